@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and starts Kestrane on the given files
+# (on a generated sample when none is given).
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+"$root/scripts/setup.sh"
+"$root/scripts/build.sh" "$root/build"
+
+files=("$@")
+if ((${#files[@]} == 0)); then
+  sample_dir="${XDG_CACHE_HOME:-$HOME/.cache}/kestrane"
+  sample="$sample_dir/kestrane-sample.mkv"
+  mkdir -p "$sample_dir"
+  if [ ! -s "$sample" ]; then
+    ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc=size=640x360:rate=25 \
+      -f lavfi -i sine=frequency=440:sample_rate=48000 -t 10 \
+      -c:v libx264 -preset ultrafast -c:a ac3 -metadata:s:a:0 language=eng "$sample"
+  fi
+  files=("$sample")
+fi
+
+if [ -x "$root/build/bin/kestrane" ] && { [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; }; then
+  exec "$root/build/bin/kestrane" "${files[@]}"
+elif [ -x "$root/build/bin/kestrane-cli" ]; then
+  exec "$root/build/bin/kestrane-cli" inspect "${files[@]}"
+else
+  exec "$root/build/bin/kestrane-inspect" "${files[@]}"
+fi

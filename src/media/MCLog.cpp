@@ -1,0 +1,54 @@
+#include "MCLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMutex>
+#include <QStandardPaths>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace {
+
+QMutex logMutex;
+
+QString stateFolder()
+{
+    QString base = qEnvironmentVariable("XDG_STATE_HOME");
+    if (base.isEmpty())
+        base = QDir::homePath() + QStringLiteral("/.local/state");
+    return base + QStringLiteral("/kestrane");
+}
+
+} // namespace
+
+QString MCLog::logFilePath()
+{
+    return stateFolder() + QStringLiteral("/kestrane.log");
+}
+
+void MCLog::line(const QString &text)
+{
+    QMutexLocker lock(&logMutex);
+    const QByteArray bytes = text.toUtf8() + '\n';
+    if (qEnvironmentVariable("KESTRANE_LOG_QUIET") != QStringLiteral("1")) {
+        std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+        std::fflush(stderr);
+    }
+    static QFile file;
+    if (!file.isOpen()) {
+        QDir().mkpath(stateFolder());
+        file.setFileName(logFilePath());
+        if (!file.open(QIODevice::Append))
+            return;
+    }
+    file.write(bytes);
+    file.flush();
+}
+
+void MCLog::lines(const QString &text)
+{
+    const QStringList all = text.split(QLatin1Char('\n'));
+    for (const QString &entry : all)
+        line(entry);
+}

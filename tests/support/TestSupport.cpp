@@ -1,0 +1,78 @@
+#include "TestSupport.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QProcess>
+#include <QThread>
+
+void RecordingAlertPresenter::present(const MCAlert &alert, std::function<void(int)> onClose)
+{
+    alerts.append(alert);
+    if (onClose)
+        onClose(answer);
+}
+
+namespace testsupport {
+
+std::shared_ptr<RecordingAlertPresenter> recordAlerts()
+{
+    auto presenter = std::make_shared<RecordingAlertPresenter>();
+    MCAlertCenter::instance().setPresenter(presenter);
+    return presenter;
+}
+
+bool waitUntil(const std::function<bool()> &done, int timeoutMs)
+{
+    QDeadlineTimer deadline(timeoutMs);
+    while (!done()) {
+        if (deadline.hasExpired())
+            return done();
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        QThread::msleep(10);
+    }
+    return true;
+}
+
+int run(const QString &command, QString *output)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QStringLiteral("/bin/bash"), {QStringLiteral("-c"), command});
+    process.waitForFinished(-1);
+    if (output)
+        *output = QString::fromUtf8(process.readAll());
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+QString ffmpeg(const QString &dir, const QString &name, const QString &arguments)
+{
+    const QString path = dir + QLatin1Char('/') + name;
+    QString output;
+    const int status = run(QStringLiteral("ffmpeg -nostdin -hide_banner -loglevel error -y %1 '%2'").arg(arguments, path), &output);
+    if (status != 0)
+        qWarning("ffmpeg failed for %s: %s", qPrintable(name), qPrintable(output));
+    return path;
+}
+
+QString testDataPath(const QString &relative)
+{
+    return qEnvironmentVariable("KESTRANE_TEST_DATA") + QLatin1Char('/') + relative;
+}
+
+QString readTestData(const QString &relative)
+{
+    QFile file(testDataPath(relative));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.readAll());
+}
+
+QString mediaInfo(const QString &path, const QString &kind, const QString &parameter)
+{
+    QString output;
+    run(QStringLiteral("mediainfo --Inform='%1;%%%2%%\\n' '%3'").arg(kind, parameter, path), &output);
+    return output.section(QLatin1Char('\n'), 0, 0).trimmed();
+}
+
+} // namespace testsupport
