@@ -1,0 +1,93 @@
+#pragma once
+
+#include "MCHelpers.h"
+#include "MCSelection.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <memory>
+
+class MCPreferences;
+
+// One step of a job: one external tool run in the background with its log
+// file and process number. Subclasses compose the command and read the
+// tool's progress from the last line of its log.
+//
+// Threads: start operations run on the main thread; monitorConversion runs
+// on the job's monitor thread, one call at a time. A second start on the
+// main thread (the second encoding pass) happens only while the monitor
+// waits for it, so no field is touched by two threads at once.
+class MCConverter : public MCHelpers
+{
+public:
+    MCConverter();
+    ~MCConverter() override = default;
+
+    MCConverter(const MCConverter &) = delete;
+    MCConverter &operator=(const MCConverter &) = delete;
+
+    QString converterName;
+    QString stepName;
+    QUrl subtitleFontURL;
+    QUrl saveDirectoryURL;
+    QString doShell_ID;
+    QUrl logFileURL;
+    QUrl inputFileURL;
+    QUrl outputFileURL;
+    MCSelectionPtr converterSelection;
+    MCPreferences *appPreferences = nullptr;
+    int trackItemToProcess = 0;
+    bool isTemporaryOutput = false;
+    QUrl tempFileToDeleteURL;
+    qint32 currentPass = 0;
+    qint32 monitorCounter = 0;
+    QString oldProgress;
+    QStringList languageList;
+    QList<QStringList> languageArrayMatrix;
+    // Carried for completeness; no step reads or sets them.
+    bool conversionError = false;
+    QString converterStatus;
+    QString lg;
+    bool converterIsDone = false;
+
+    // Input, save folder, provisional output and log names, subtitle font.
+    void initializeFor(const MCSelectionPtr &selection);
+    // Starts the tool; answers its process number, or "error" when the
+    // step cannot be built (nothing is started then).
+    virtual QString startConversionFor(const MCSelectionPtr &selection);
+    // "Complete" when the tool has ended, else a progress text (or "error"
+    // when the log says nothing readable). The base answers nothing.
+    virtual QString monitorConversion();
+
+    void inititializeForTrack(int trackIndex, const QString &stepLabel, bool keepingTheOutput);
+
+    QString language2CodeFor(const QString &name) const;
+    QString language3CodeFor(const QString &name) const;
+
+    // Whether text shows up in the last 20 lines of the log, progress lines
+    // rewritten in place counting as lines of their own.
+    bool stringFoundInLog(const QString &text) const;
+
+    void determineSaveDirectoryURL();
+    // A hook for result checks: answers "" (no error).
+    QString checkForErrorsInOutputURL(const QUrl &outputURL, const QUrl &logURL) const;
+
+    // The track this step works on, or null when the index is out of range.
+    MCVideoTrackPtr trackToProcess() const;
+
+protected:
+    // The log's last line, carriage-return updates counted as lines.
+    QString lastLogLine() const;
+    // Runs a tool in the background and keeps its process number; "error"
+    // (nothing started) when the tool is missing.
+    QString launchInBackground(const QUrl &tool, const MCOptionList &options);
+    // The save folder rule: the preferences' folder, else the given fallback.
+    QUrl preferredSaveDirectory(const QUrl &fallbackFolder) const;
+    // An URL in the save folder: save folder + "/" + name.
+    QUrl urlInSaveDirectory(const QString &name) const;
+};
+
+using MCConverterPtr = std::shared_ptr<MCConverter>;

@@ -1,0 +1,183 @@
+#include "MCMencoderVideo.h"
+
+#include "MCNotificationCenter.h"
+#include "MCPreferences.h"
+
+namespace {
+
+const QString kVideo = QStringLiteral("Video");
+const QString kAudio = QStringLiteral("Audio");
+
+// Every channel in its own place: the six channels go to the encoder as
+// the decoder delivers them (DTS included, see docs/adaptations.md).
+const QString kIdentityMap = QStringLiteral("-af pan=6:%1:%2:%3:%4:%5:%6")
+                                 .arg(QStringLiteral("1:0:0:0:0:0"), QStringLiteral("0:1:0:0:0:0"),
+                                      QStringLiteral("0:0:1:0:0:0"), QStringLiteral("0:0:0:1:0:0"),
+                                      QStringLiteral("0:0:0:0:1:0"), QStringLiteral("0:0:0:0:0:1"));
+
+QString mp3Options(const QString &bitRate)
+{
+    return QStringLiteral("-oac mp3lame -srate 48000 -lameopts preset=%1").arg(bitRate);
+}
+
+int integerOf(const QString &text)
+{
+    return text.trimmed().toInt();
+}
+
+} // namespace
+
+MCMencoderVideo::MCMencoderVideo()
+{
+    converterName = QStringLiteral("mencoderVideo");
+    isTemporaryOutput = false;
+}
+
+MCVideoTrackPtr MCMencoderVideo::firstTrackOfType(const QStringList &types) const
+{
+    if (!converterSelection)
+        return nullptr;
+    for (const MCVideoTrackPtr &track : converterSelection->trackList) {
+        if (track && types.contains(track->trackType))
+            return track;
+    }
+    return nullptr;
+}
+
+MCOptionList MCMencoderVideo::videoOptions() const
+{
+    const MCVideoTrackPtr video = firstTrackOfType({kVideo});
+    if (video && video->userCodec == QStringLiteral("passthru"))
+        return {QStringLiteral("-ovc copy")};
+    const int width = integerOf(converterSelection->userWidth);
+    // An empty or zero width means "as the source": scaling to it would
+    // hand mencoder "scale=:-10".
+    const bool scale = width > 0 && width < integerOf(converterSelection->videoTrackWidth);
+    return {QStringLiteral("-vf"),
+            scale ? QStringLiteral("scale=%1:-10,harddup").arg(width) : QStringLiteral("harddup"),
+            QStringLiteral("-ovc lavc"), QStringLiteral("-ffourcc xvid"), QStringLiteral("-lavcopts")};
+}
+
+MCOptionList MCMencoderVideo::audioOptions() const
+{
+    const MCVideoTrackPtr audio = firstTrackOfType({kAudio});
+    if (!audio)
+        return {QStringLiteral("-nosound")};
+    MCOptionList options;
+    if (audio->userCodec == QStringLiteral("passthru")) {
+        options << QStringLiteral("-oac copy");
+    } else if (integerOf(audio->trackNumberOfChannels) >= 6) {
+        if (audio->userCodec == QStringLiteral("mp3"))
+            options << mp3Options(audio->userBitRate);
+        else if (audio->userCodec == QStringLiteral("ac3"))
+            options << QStringLiteral("-oac lavc -lavcopts acodec=ac3:abitrate=%1 -channels 6 %2 -srate 48000")
+                           .arg(audio->userBitRate, kIdentityMap);
+    } else {
+        options << mp3Options(audio->userBitRate);
+    }
+    if (audio->trackCodec == QStringLiteral("ogg"))
+        options << QStringLiteral("-afm tremor");
+    if (audio->trackFilePath == converterSelection->videoTrackFilePath)
+        options << QStringLiteral("-aid %1").arg(audio->trackMencoderID);
+    else
+        options << QStringLiteral("-audiofile") << audio->trackFileURL;
+    return options;
+}
+
+MCOptionList MCMencoderVideo::subtitleOptions() const
+{
+    if (integerOf(converterSelection->subCount) < 1)
+        return {QStringLiteral("-noautoexpand")};
+    const MCVideoTrackPtr subtitle = firstTrackOfType({QStringLiteral("Subtitle"), QStringLiteral("External Subtitle")});
+    if (!subtitle || subtitle->userCodec != QStringLiteral("burn"))
+        return {};
+    MCOptionList options;
+    if (subtitle->trackFilePath == converterSelection->videoTrackFilePath)
+        options << QStringLiteral("-sid %1").arg(subtitle->trackMencoderID);
+    else
+        options << QStringLiteral("-sid 99 -sub") << subtitle->trackFileURL;
+    const int position = appPreferences ? integerOf(appPreferences->subtitlePosition) : 0;
+    options << QStringLiteral("-font") << subtitleFontURL;
+    if (subtitle->trackCodec == QStringLiteral("srt"))
+        options << QStringLiteral("-utf8");
+    options << QStringLiteral("-subpos") << QString::number(100 - position)
+            << QStringLiteral("-subfont-text-scale") << (appPreferences ? appPreferences->subtitleSize : QString());
+    return options;
+}
+
+void MCMencoderVideo::composeOptionArrays()
+{
+    optionArray1 = MCOptionList{inputFileURL} + videoOptions();
+    optionArray2.clear();
+    const QString encoderOptions =
+        QStringLiteral("threads=8:vcodec=mpeg4:autoaspect:vbitrate=%1").arg(converterSelection->userVideoBitRate);
+    const bool twoPasses = converterSelection->userPassNumber == QStringLiteral("2");
+    const QString passLog = QStringLiteral(" -passlogfile %1").arg(QString::fromLatin1(passLogFile));
+    if (twoPasses) {
+        optionArray2 = optionArray1;
+        optionArray1 << encoderOptions + QStringLiteral(":vpass=1:turbo") + passLog;
+        optionArray2 << encoderOptions + QStringLiteral(":vpass=2") + passLog;
+    } else {
+        optionArray1 << encoderOptions;
+    }
+    const MCOptionList ending{QStringLiteral("-o"), outputFileURL, QStringLiteral("&>"), logFileURL,
+                              QStringLiteral("& echo $!")};
+    const MCOptionList rest = audioOptions() + subtitleOptions() + ending;
+    optionArray1 << rest;
+    if (twoPasses)
+        optionArray2 << rest;
+    currentPass = twoPasses ? 1 : 0;
+}
+
+void MCMencoderVideo::prepareFor(const MCSelectionPtr &selection)
+{
+    initializeFor(selection);
+    // The input name is kept whole and ".avi" appended, so the output can
+    // never be the input itself.
+    const QString base = outputFileURL.toLocalFile();
+    outputFileURL = QUrl::fromLocalFile(base + QStringLiteral(".avi"));
+    logFileURL = QUrl::fromLocalFile(base + QStringLiteral(".log"));
+    tempFileToDeleteURL.clear();
+    composeOptionArrays();
+    const MCVideoTrackPtr video = firstTrackOfType({kVideo});
+    const bool newEncoder = (video && video->trackCodec == QStringLiteral("VC-1"))
+                            || selection->videoTrackFileExtension.toLower() == QStringLiteral("mts");
+    mencoderVersion = newEncoder ? QStringLiteral("mencodernew") : QStringLiteral("mencoder");
+}
+
+QString MCMencoderVideo::startConversionFor(const MCSelectionPtr &selection)
+{
+    if (!selection)
+        return QStringLiteral("error");
+    prepareFor(selection);
+    MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
+    oldProgress = QString();
+    return launchInBackground(urlOfApp(mencoderVersion), optionArray1);
+}
+
+QString MCMencoderVideo::startPass2()
+{
+    currentPass = 2;
+    return launchInBackground(urlOfApp(mencoderVersion), optionArray2);
+}
+
+std::optional<QString> MCMencoderVideo::percentFromPosLine(const QString &line)
+{
+    if (line.section(QLatin1Char(':'), 0, 0) != QStringLiteral("Pos"))
+        return std::nullopt;
+    const qsizetype open = line.lastIndexOf(QLatin1Char('('));
+    if (open < 0)
+        return std::nullopt;
+    return line.mid(open + 1).section(QLatin1Char(')'), 0, 0);
+}
+
+QString MCMencoderVideo::monitorConversion()
+{
+    if (!processIsRunning(doShell_ID))
+        return currentPass == 1 ? QStringLiteral("Pass 1 Complete") : QStringLiteral("Complete");
+    const std::optional<QString> percent = percentFromPosLine(lastLogLine());
+    if (!percent)
+        return oldProgress;
+    oldProgress = currentPass != 0 ? QStringLiteral("Pass #%1: %2").arg(currentPass).arg(*percent) : *percent;
+    return oldProgress;
+}

@@ -1,0 +1,47 @@
+#include "MCMkvExtractor.h"
+
+MCMkvExtractor::MCMkvExtractor()
+{
+    converterName = QStringLiteral("mkvExtractor");
+}
+
+QString MCMkvExtractor::startConversionFor(const MCSelectionPtr &selection)
+{
+    initializeFor(selection);
+    const MCVideoTrackPtr track = trackToProcess();
+    if (!track)
+        return QStringLiteral("error");
+    QString kind;
+    if (track->trackType == QStringLiteral("Video"))
+        kind = QStringLiteral("v");
+    else if (track->trackType == QStringLiteral("Audio"))
+        kind = QStringLiteral("a");
+    else if (track->trackType == QStringLiteral("Subtitle"))
+        kind = QStringLiteral("s");
+    else
+        return QStringLiteral("error");
+    const QString output = QStringLiteral("%1%2.%3%4.%5")
+                               .arg(outputFileURL.toLocalFile(),
+                                    isTemporaryOutput ? QStringLiteral(".temp") : QString(), kind,
+                                    QString::number(track->trackMencoderID.toInt() + 1), track->trackExtension);
+    outputFileURL = QUrl::fromLocalFile(output);
+    logFileURL = QUrl::fromLocalFile(output + QStringLiteral(".extract.log"));
+    tempFileToDeleteURL = isTemporaryOutput ? outputFileURL : QUrl();
+    const MCOptionList options{QStringLiteral("tracks"), inputFileURL,
+                               QStringLiteral("%1:%2").arg(track->trackMkvmergeID, doubleQuotedFormOf(output)),
+                               QStringLiteral("&>"), logFileURL, QStringLiteral("& echo $!")};
+    return launchInBackground(urlOfApp(QStringLiteral("mkvextract")), options);
+}
+
+QString MCMkvExtractor::progressFromLine(const QString &line)
+{
+    const QString last = line.split(QStringLiteral(": ")).constLast();
+    return last.endsWith(QLatin1Char('%')) ? last : QStringLiteral("error");
+}
+
+QString MCMkvExtractor::monitorConversion()
+{
+    if (!processIsRunning(doShell_ID))
+        return QStringLiteral("Complete");
+    return progressFromLine(lastLogLine());
+}

@@ -1,0 +1,62 @@
+#include "MCMp4Extractor.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+MCMp4Extractor::MCMp4Extractor()
+{
+    converterName = QStringLiteral("mp4Extractor");
+}
+
+bool MCMp4Extractor::prepareFor(const MCSelectionPtr &selection, MCOptionList *options)
+{
+    initializeFor(selection);
+    const MCVideoTrackPtr track = trackToProcess();
+    if (!track || !selection)
+        return false;
+    // MP4Box names the file itself, beside the source; the name is predicted.
+    const QDir folder(QFileInfo(selection->videoTrackFileURL.toLocalFile()).absolutePath());
+    const bool subtitle = track->trackType == QStringLiteral("Subtitle");
+    const QString name = subtitle
+                             ? QStringLiteral("%1_%2_text.srt").arg(selection->videoTrackFileShortName, track->trackMp4boxID)
+                             : QStringLiteral("%1_track%2.%3")
+                                   .arg(selection->videoTrackFileShortName, track->trackMp4boxID, track->trackExtension);
+    outputFileURL = QUrl::fromLocalFile(folder.filePath(name));
+    logFileURL = QUrl::fromLocalFile(outputFileURL.toLocalFile() + QStringLiteral(".extract.log"));
+    tempFileToDeleteURL = isTemporaryOutput ? outputFileURL : QUrl();
+    *options = {inputFileURL, subtitle ? QStringLiteral("-srt") : QStringLiteral("-raw"), track->trackMp4boxID,
+                QStringLiteral("&>"), logFileURL, QStringLiteral("& echo $!")};
+    return true;
+}
+
+QString MCMp4Extractor::startConversionFor(const MCSelectionPtr &selection)
+{
+    MCOptionList options;
+    if (!prepareFor(selection, &options))
+        return QStringLiteral("error");
+    // Without an MP4Box the step starts nothing.
+    const QUrl tool = urlOfApp(QStringLiteral("mp4box"));
+    if (!fileExistsAtURL(tool)) {
+        tempFileToDeleteURL.clear();
+        return QStringLiteral("error");
+    }
+    return launchInBackground(tool, options);
+}
+
+QString MCMp4Extractor::progressFromLine(const QString &line)
+{
+    const qsizetype bar = line.lastIndexOf(QStringLiteral("| ("));
+    QString piece = (bar < 0 ? line : line.mid(bar + 3)).section(QLatin1Char('/'), 0, 0);
+    if (piece.isEmpty())
+        piece = QStringLiteral("0");
+    if (!isStringInteger(piece))
+        return QStringLiteral("error");
+    return piece + QLatin1Char('%');
+}
+
+QString MCMp4Extractor::monitorConversion()
+{
+    if (!processIsRunning(doShell_ID))
+        return QStringLiteral("Complete");
+    return progressFromLine(lastLogLine());
+}

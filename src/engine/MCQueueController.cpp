@@ -1,0 +1,284 @@
+#include "MCQueueController.h"
+
+#include "MCAlertCenter.h"
+#include "MCJob.h"
+#include "MCJobFactory.h"
+#include "MCLog.h"
+#include "MCPreferences.h"
+#include "MCProgressTableModel.h"
+#include "MCQueueJobModel.h"
+#include "MCWatchModeLink.h"
+
+#include <QFileInfo>
+
+namespace {
+
+const QString kQueued = QStringLiteral("Queued");
+const QString kRunning = QStringLiteral("Running");
+const QString kCompleted = QStringLiteral("Completed");
+const QString kPause = QStringLiteral("Pause");
+const QString kResume = QStringLiteral("Resume");
+
+} // namespace
+
+MCQueueController::MCQueueController(QObject *parent)
+    : QObject(parent)
+    , m_jobModel(new MCQueueJobModel(this))
+    , m_progressModel(new MCProgressTableModel(this))
+{
+    appPreferences = MCPreferences::applicationPreferences();
+    m_qTimer.setInterval(1000);
+    connect(&m_qTimer, &QTimer::timeout, this, &MCQueueController::theQueueLoop);
+    initialize();
+}
+
+MCQueueController::~MCQueueController()
+{
+    m_qTimer.stop();
+    if (m_qJobIsRunning && m_currentJob)
+        m_currentJob->stopJob();
+}
+
+void MCQueueController::initialize()
+{
+    m_progressModel->setRows({});
+    m_qJobIsRunning = false;
+    if (!m_hubConnection)
+        m_hubConnection = MCNotificationCenter::defaultCenter().addObserver(
+            this, QString(), [this](const MCNotification &notification) { notificationHub(notification); });
+}
+
+const QList<MCJob *> &MCQueueController::qJobList() const
+{
+    return m_jobModel->jobs();
+}
+
+const QVariantList &MCQueueController::jobProgressList() const
+{
+    return m_progressModel->rows();
+}
+
+void MCQueueController::setWatchModeController(MCWatchModeLink *watchModeController)
+{
+    m_watchModeController = watchModeController;
+}
+
+QString MCQueueController::jobClassForType(const QString &jobType)
+{
+    if (jobType == QStringLiteral("AVI Conversion"))
+        return QStringLiteral("MCConvertToAviJob");
+    if (jobType == QStringLiteral("AVI Track Extraction") || jobType == QStringLiteral("AVI Track Addition")
+        || jobType == QStringLiteral("AVI Joining") || jobType == QStringLiteral("AVI Splitting"))
+        return QStringLiteral("MCEditAviJob");
+    if (jobType == QStringLiteral("MKV Remux"))
+        return QStringLiteral("MCReMuxMkvJob");
+    return {};
+}
+
+void MCQueueController::addToQueue(const MCSelectionPtr &selection)
+{
+    if (!selection)
+        return;
+    const QString className = jobClassForType(selection->jobType);
+    if (className.isEmpty())
+        return;
+    if (!MCJobFactory::instance().hasJobType(className)) {
+        MCLog::line(QStringLiteral("No job class %1 for \"%2\"; not queued").arg(className, selection->jobType));
+        return;
+    }
+    if (qJobList().isEmpty()) {
+        emit drawerOpenRequested();
+        m_qTimer.start();
+    }
+    const auto makeJob = [&](const MCSelectionPtr &jobSelection, const QString &fileName) {
+        MCJob *job = MCJobFactory::instance().create(className, this);
+        job->jobType = selection->jobType;
+        job->setJobStatus(kQueued);
+        job->jobFileName = fileName;
+        job->jobSelection = jobSelection;
+        appendJob(job);
+    };
+    if (selection->jobType == QStringLiteral("AVI Splitting")) {
+        for (const QUrl &url : selection->editFilesURLsList) {
+            MCSelectionPtr copy = selection->copy();
+            copy->videoTrackFileURL = url;
+            makeJob(copy, url.fileName());
+        }
+        return;
+    }
+    MCSelectionPtr copy = selection->copy();
+    if (selection->jobType == QStringLiteral("AVI Conversion") || selection->jobType == QStringLiteral("MKV Remux"))
+        copy->trackList += copy->addedAudioTrackList;
+    makeJob(copy, selection->videoTrackFileName);
+}
+
+void MCQueueController::appendJob(MCJob *job)
+{
+    m_jobModel->appendJob(job);
+}
+
+void MCQueueController::removeJobAt(int row)
+{
+    MCJob *job = m_jobModel->takeJob(row);
+    if (!job)
+        return;
+    if (m_currentJob && m_currentJob != job)
+        m_currentJobRowIndex = qJobList().indexOf(m_currentJob.data());
+    job->deleteLater();
+}
+
+void MCQueueController::theQueueLoop()
+{
+    if (qJobList().isEmpty()) {
+        emit drawerCloseRequested();
+        m_qTimer.stop();
+        return;
+    }
+    if (!(m_watchModeController && m_watchModeController->appIsInWatchMode()))
+        emit drawerOpenRequested();
+    manageQueue();
+}
+
+void MCQueueController::manageQueue()
+{
+    if (m_qJobIsRunning)
+        return;
+    const QList<MCJob *> jobs = qJobList();
+    for (qsizetype row = 0; row < jobs.size(); ++row) {
+        MCJob *job = jobs.at(row);
+        if (job->jobStatus() != kQueued)
+            continue;
+        setPauseButtonTitle(kPause);
+        m_currentJob = job;
+        m_currentJobRowIndex = row;
+        setJobIsRunning(true);
+        job->setJobStatus(kRunning);
+        job->startJob();
+        return;
+    }
+}
+
+void MCQueueController::startJobThread()
+{
+    if (m_currentJob)
+        m_currentJob->startJob();
+}
+
+bool MCQueueController::isFromCurrentJob(const MCNotification &notification) const
+{
+    if (!m_currentJob)
+        return false;
+    const QVariant serial = notification.userInfo.value(QStringLiteral("job"));
+    return !serial.isValid() || serial.toULongLong() == m_currentJob->jobSerial();
+}
+
+void MCQueueController::notificationHub(const MCNotification &notification)
+{
+    if (notification.name == MCNotificationName::progressUpdate) {
+        // A stopped job's last tick may still be on its way; only the running job draws.
+        if (m_qJobIsRunning && isFromCurrentJob(notification))
+            m_progressModel->setRows(notification.object.toList());
+    } else if (notification.name == MCNotificationName::jobDone) {
+        if (!isFromCurrentJob(notification))
+            return;
+        setJobIsRunning(false);
+        m_progressModel->setRows(notification.object.toList());
+        m_currentJob->setJobStatus(kCompleted);
+    } else if (notification.name == MCNotificationName::conversionStarted) {
+        noteOwnOutput(notification.object);
+    }
+}
+
+void MCQueueController::noteOwnOutput(const QVariant &object)
+{
+    if (!m_watchModeController || !m_watchModeController->appIsInWatchMode())
+        return;
+    const QString path = object.typeId() == QMetaType::QUrl ? object.toUrl().toLocalFile() : object.toString();
+    const QString extension = QFileInfo(path).suffix().toLower();
+    if (m_watchModeController->movieExtensionsList().contains(extension))
+        m_watchModeController->appendToBaseWatchFolderMovieList(path);
+}
+
+void MCQueueController::pauseQueueButton()
+{
+    if (!m_qJobIsRunning || !m_currentJob)
+        return;
+    if (m_pauseButtonTitle == kPause) {
+        setPauseButtonTitle(kResume);
+        m_currentJob->pauseJob();
+    } else {
+        setPauseButtonTitle(kPause);
+        m_currentJob->resumeJob();
+    }
+}
+
+void MCQueueController::clearQueueButton()
+{
+    for (int row = static_cast<int>(qJobList().size()) - 1; row >= 0; --row) {
+        if (qJobList().at(row)->jobStatus() == kCompleted)
+            removeJobAt(row);
+    }
+}
+
+void MCQueueController::deleteJobRow(int row, int column)
+{
+    if (column != 0 || row < 0 || row >= qJobList().size())
+        return;
+    if (!m_qJobIsRunning || !m_currentJob) {
+        removeJobAt(row);
+        return;
+    }
+    m_currentJob->pauseJob();
+    if (row == m_currentJobRowIndex) {
+        MCAlert alert;
+        alert.message = QStringLiteral("Stop the currently running job?");
+        alert.buttons = {QStringLiteral("OK"), QStringLiteral("Cancel")};
+        alert.attachedToDrawer = true;
+        MCAlertCenter::instance().present(alert, [self = QPointer<MCQueueController>(this)](int code) {
+            if (self)
+                self->quitJobAlertClosed(code);
+        });
+        return;
+    }
+    removeJobAt(row);
+    resumeUnlessPausedByUser();
+}
+
+void MCQueueController::quitJobAlertClosed(int returnCode)
+{
+    if (!m_currentJob || !m_qJobIsRunning)
+        return;
+    if (returnCode != MCAlertFirstButtonReturn) {
+        resumeUnlessPausedByUser();
+        return;
+    }
+    MCJob *job = m_currentJob;
+    job->stopJob();
+    m_currentJob = nullptr;
+    setJobIsRunning(false);
+    setPauseButtonTitle(kPause);
+    removeJobAt(static_cast<int>(qJobList().indexOf(job)));
+}
+
+void MCQueueController::resumeUnlessPausedByUser()
+{
+    // A job the user paused stays paused; the button would say otherwise.
+    if (m_pauseButtonTitle == kPause && m_currentJob)
+        m_currentJob->resumeJob();
+}
+
+void MCQueueController::setJobIsRunning(bool running)
+{
+    if (m_qJobIsRunning == running)
+        return;
+    m_qJobIsRunning = running;
+    emit qJobIsRunningChanged();
+}
+
+void MCQueueController::setPauseButtonTitle(const QString &title)
+{
+    if (m_pauseButtonTitle == title)
+        return;
+    m_pauseButtonTitle = title;
+    emit pauseButtonTitleChanged();
+}

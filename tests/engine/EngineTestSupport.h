@@ -1,0 +1,78 @@
+#pragma once
+
+#include "MCConverter.h"
+#include "MCJob.h"
+#include "MCPreferences.h"
+
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <memory>
+
+// Application preferences on a private settings file, with a temporary save
+// folder; the previous preferences come back when it goes.
+class PrivatePreferences
+{
+public:
+    PrivatePreferences();
+    ~PrivatePreferences();
+
+    QTemporaryDir dir;
+    QString saveFolder;
+    std::unique_ptr<MCPreferences> preferences;
+
+private:
+    MCPreferences *m_previous;
+};
+
+MCVideoTrackPtr makeTrack(const QString &type, const QString &codec, const QString &filePath);
+
+// A step running "sleep SECONDS" with a log in the save folder.
+class SleepStep : public MCConverter
+{
+public:
+    explicit SleepStep(QString seconds);
+    QString startConversionFor(const MCSelectionPtr &selection) override;
+    QString monitorConversion() override;
+
+private:
+    QString m_seconds;
+};
+
+// A step that starts nothing and answers the given words in turn, then
+// "Complete" forever.
+class ScriptedStep : public MCConverter
+{
+public:
+    explicit ScriptedStep(QStringList words);
+    QString startConversionFor(const MCSelectionPtr &selection) override;
+    QString monitorConversion() override;
+
+private:
+    QStringList m_words;
+};
+
+// A job of given steps under the common monitor contract.
+class StepsJob : public MCJob
+{
+    Q_OBJECT
+public:
+    explicit StepsJob(QObject *parent = nullptr);
+    ~StepsJob() override;
+
+    QList<MCConverterPtr> steps;
+    bool useStartMonitor = false;
+    std::atomic<int> pass2Starts{0};
+    std::atomic<bool> pass2OnMainThread{false};
+
+    void startJob() override;
+
+protected:
+    void startPass2SelectorFor(const MCConverterPtr &step) override;
+};
+
+// A selection whose video file is path (nothing is inspected).
+MCSelectionPtr selectionFor(const QString &path, const QString &jobType = QStringLiteral("AVI Conversion"));
+
+// "T" for a stopped process, "" when it is gone.
+QString processState(const QString &pid);
