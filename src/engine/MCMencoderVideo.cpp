@@ -47,8 +47,11 @@ MCVideoTrackPtr MCMencoderVideo::firstTrackOfType(const QStringList &types) cons
 MCOptionList MCMencoderVideo::videoOptions() const
 {
     const MCVideoTrackPtr video = firstTrackOfType({kVideo});
+    // A copied video keeps the encoder options, but behind -lavcopts: today's
+    // mencoder reads a bare option text as a second input file, fails to
+    // open it and quits without writing the AVI index.
     if (video && video->userCodec == QStringLiteral("passthru"))
-        return {QStringLiteral("-ovc copy")};
+        return {QStringLiteral("-ovc copy"), QStringLiteral("-lavcopts")};
     const int width = integerOf(converterSelection->userWidth);
     // An empty or zero width means "as the source": scaling to it would
     // hand mencoder "scale=:-10".

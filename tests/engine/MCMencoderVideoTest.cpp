@@ -67,11 +67,11 @@ TEST_F(MencoderOptions, ScalesOnlyToASmallerWidth)
     }
 }
 
-TEST_F(MencoderOptions, PassthruVideoKeepsTheBareEncoderOptions)
+TEST_F(MencoderOptions, PassthruVideoKeepsTheEncoderOptionsAsOptions)
 {
     video->userCodec = QStringLiteral("passthru");
     audio->userCodec = QStringLiteral("passthru");
-    EXPECT_TRUE(command().startsWith(QStringLiteral("\"/videos/clip.mkv\" -ovc copy threads=8:vcodec=mpeg4:autoaspect:vbitrate=900 "
+    EXPECT_TRUE(command().startsWith(QStringLiteral("\"/videos/clip.mkv\" -ovc copy -lavcopts threads=8:vcodec=mpeg4:autoaspect:vbitrate=900 "
                                                     "-oac copy -aid 1 -noautoexpand -o")));
 }
 
