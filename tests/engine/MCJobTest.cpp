@@ -3,7 +3,8 @@
 #include "TestSupport.h"
 
 #include <QFile>
-#include <QProcess>
+#include <QCoreApplication>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -15,6 +16,8 @@ struct Recorder
     Recorder()
     {
         MCNotificationCenter::defaultCenter().addObserver(&receiver, QString(), [this](const MCNotification &n) {
+            // Posted on the monitor thread, delivered on the main thread.
+            EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
             if (n.name == MCNotificationName::progressUpdate)
                 tables.append(n.object.toList());
             else if (n.name == MCNotificationName::jobDone)

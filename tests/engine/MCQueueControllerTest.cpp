@@ -2,6 +2,7 @@
 #include "MCJobFactory.h"
 #include "MCQueueController.h"
 #include "MCQueueJobModel.h"
+#include "MCWatchModeLink.h"
 #include "TestSupport.h"
 
 #include <QFile>
@@ -26,6 +27,17 @@ MCJob *makeSleepJob(QObject *parent)
     job->steps = {std::make_shared<SleepStep>(seconds)};
     return job;
 }
+
+class FakeWatchMode : public MCWatchModeLink
+{
+public:
+    bool appIsInWatchMode() const override { return watching; }
+    QStringList movieExtensionsList() const override { return {QStringLiteral("avi"), QStringLiteral("mkv")}; }
+    void appendToBaseWatchFolderMovieList(const QString &path) override { known << path; }
+
+    bool watching = true;
+    QStringList known;
+};
 
 class QueueTest : public ::testing::Test
 {
@@ -145,4 +157,16 @@ TEST_F(QueueTest, PauseResumeAndDeletingRows)
     ASSERT_EQ(queue.qJobList().size(), 1);
     ASSERT_TRUE(testsupport::waitUntil([&] { return statusOf(0) == QStringLiteral("Running"); }, 5000));
     EXPECT_EQ(queue.currentJob()->jobFileName, QStringLiteral("next.avi"));
+}
+
+TEST_F(QueueTest, OwnOutputsAreKnownToTheWatchMode)
+{
+    FakeWatchMode watch;
+    queue.setWatchModeController(&watch);
+    auto &center = MCNotificationCenter::defaultCenter();
+    center.post(MCNotificationName::conversionStarted, QUrl::fromLocalFile(QStringLiteral("/watch/movie.mkv.AVI")));
+    center.post(MCNotificationName::conversionStarted, QUrl::fromLocalFile(QStringLiteral("/watch/movie.mkv.log")));
+    watch.watching = false;
+    center.post(MCNotificationName::conversionStarted, QUrl::fromLocalFile(QStringLiteral("/watch/other.avi")));
+    EXPECT_EQ(watch.known, QStringList{QStringLiteral("/watch/movie.mkv.AVI")});
 }

@@ -71,7 +71,8 @@ QString readTestData(const QString &relative)
 QString mediaInfo(const QString &path, const QString &kind, const QString &parameter)
 {
     QString output;
-    run(QStringLiteral("mediainfo --Inform='%1;%%%2%%\\n' '%3'").arg(kind, parameter, path), &output);
+    // QString::arg has no "%%" escape: "%%2%" becomes "%Width%".
+    run(QStringLiteral("mediainfo --Inform='%1;%%2%\\n' '%3'").arg(kind, parameter, path), &output);
     return output.section(QLatin1Char('\n'), 0, 0).trimmed();
 }
 
