@@ -3,6 +3,7 @@
 #include "MCPreferences.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStringView>
 
@@ -310,7 +311,40 @@ MCVideoTrackPtr MCConverter::trackToProcess() const
 
 QString MCConverter::lastLogLine() const
 {
-    return doUnixCommand(QStringLiteral("tr '\\r' '\\n' < "), {logFileURL, QStringLiteral("| tail -1")});
+    return lastLineOfFile(logFileURL.toLocalFile());
+}
+
+QString MCConverter::lastLineOfFile(const QString &path)
+{
+    QFile log(path);
+    if (path.isEmpty() || !log.open(QIODevice::ReadOnly))
+        return {};
+    // A progress line is short; the tail of a long log is enough.
+    constexpr qint64 kTail = 64 * 1024;
+    if (log.size() > kTail)
+        log.seek(log.size() - kTail);
+    QByteArray text = log.readAll();
+    text.replace('\r', '\n');
+    if (text.endsWith('\n'))
+        text.chop(1);
+    return decodeToolOutput(text.mid(text.lastIndexOf('\n') + 1));
+}
+
+bool MCConverter::processIsRunning(const QString &pid)
+{
+    bool isNumber = false;
+    const qint64 number = pid.trimmed().toLongLong(&isNumber);
+    if (!isNumber || number <= 0)
+        return false;
+    if (!QFileInfo::exists(QStringLiteral("/proc/self/stat")))
+        return MCHelpers::processIsRunning(pid);
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(number));
+    if (!stat.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray line = stat.readAll();
+    // "PID (name) S ...": the state follows the last parenthesis.
+    const qsizetype close = line.lastIndexOf(')');
+    return close >= 0 && close + 2 < line.size() && line.at(close + 2) != 'Z';
 }
 
 QString MCConverter::launchInBackground(const QUrl &tool, const MCOptionList &options)

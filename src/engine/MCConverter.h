@@ -78,6 +78,12 @@ public:
     // The track this step works on, or null when the index is out of range.
     MCVideoTrackPtr trackToProcess() const;
 
+    // The same answer as the shell test (a zombie counts as ended), read
+    // from /proc without starting a process: steps ask twice a second.
+    static bool processIsRunning(const QString &pid);
+    // What "tr '\r' '\n' < LOG | tail -1" prints, read directly.
+    static QString lastLineOfFile(const QString &path);
+
 protected:
     // The log's last line, carriage-return updates counted as lines.
     QString lastLogLine() const;

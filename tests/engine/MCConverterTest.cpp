@@ -91,3 +91,31 @@ TEST(MCConverterTest, ProgressLinesOfEachTool)
     EXPECT_EQ(MCMp4Extractor::progressFromLine(QString()), QStringLiteral("0%"));
     EXPECT_EQ(MCMp4Extractor::progressFromLine(QStringLiteral("Extracting raw track")), QStringLiteral("error"));
 }
+
+TEST(MCConverterTest, LastLogLineAndProcessStateMatchTheShellTests)
+{
+    QTemporaryDir dir;
+    QFile blankEnd(dir.filePath(QStringLiteral("blank-end.log")));
+    ASSERT_TRUE(blankEnd.open(QIODevice::WriteOnly));
+    blankEnd.write("Pos: 1s ( 3%)\rPos: 2s ( 5%)\n\n");
+    blankEnd.close();
+    const QStringList logs{testsupport::testDataPath(QStringLiteral("engine/mencoder-one-pass.log")),
+                           testsupport::testDataPath(QStringLiteral("engine/mkvextract-subtitle.log")),
+                           blankEnd.fileName(), dir.filePath(QStringLiteral("missing.log"))};
+    for (const QString &log : logs) {
+        const QString shell = MCHelpers::doUnixCommand(QStringLiteral("tr '\\r' '\\n' < "),
+                                                       {QUrl::fromLocalFile(log), QStringLiteral("| tail -1")});
+        EXPECT_EQ(MCConverter::lastLineOfFile(log), shell) << log.toStdString();
+    }
+
+    QString pid;
+    testsupport::run(QStringLiteral("sleep 5 >/dev/null 2>&1 & echo $!"), &pid);
+    pid = pid.trimmed();
+    EXPECT_TRUE(MCConverter::processIsRunning(pid));
+    testsupport::run(QStringLiteral("kill -STOP %1").arg(pid));
+    EXPECT_TRUE(MCConverter::processIsRunning(pid)); // paused is not ended
+    testsupport::run(QStringLiteral("kill -KILL %1").arg(pid));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !MCHelpers::processIsRunning(pid); }, 5000));
+    EXPECT_FALSE(MCConverter::processIsRunning(pid));
+    EXPECT_FALSE(MCConverter::processIsRunning(QStringLiteral("error")));
+}
