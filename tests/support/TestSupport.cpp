@@ -57,7 +57,9 @@ QString ffmpeg(const QString &dir, const QString &name, const QString &arguments
 
 QString testDataPath(const QString &relative)
 {
-    return qEnvironmentVariable("KESTRANE_TEST_DATA") + QLatin1Char('/') + relative;
+    // ctest sets the folder; a test program started by hand uses the source tree's.
+    const QString folder = qEnvironmentVariable("KESTRANE_TEST_DATA", QStringLiteral(KESTRANE_SOURCE_TEST_DATA));
+    return folder + QLatin1Char('/') + relative;
 }
 
 QString readTestData(const QString &relative)

@@ -11,6 +11,8 @@ int main(int argc, char **argv)
     QTemporaryDir home;
     qputenv("XDG_CONFIG_HOME", (home.path() + QStringLiteral("/config")).toUtf8());
     qputenv("XDG_STATE_HOME", (home.path() + QStringLiteral("/state")).toUtf8());
+    if (qEnvironmentVariableIsEmpty("KESTRANE_RESOURCES"))
+        qputenv("KESTRANE_RESOURCES", KESTRANE_BUILD_RESOURCES);
     QCoreApplication::setOrganizationName(QStringLiteral("KestraneTests"));
     QCoreApplication::setApplicationName(QStringLiteral("kestrane-tests"));
     QCoreApplication app(argc, argv);

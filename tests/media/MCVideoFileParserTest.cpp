@@ -1,0 +1,167 @@
+#include "MCMediaInfoReport.h"
+#include "MCVideoFile.h"
+
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Parsed
+{
+    MCTrackListResult result;
+    MCVideoFile file;
+};
+
+QStringList fixture(const QString &name)
+{
+    return MCMediaInfoReport::lines(testsupport::readTestData(QStringLiteral("mediainfo/") + name + QStringLiteral(".txt")));
+}
+
+MCTrackListResult parse(const QString &name)
+{
+    const MCVideoFile file;
+    return file.trackListFromReport(fixture(name), QUrl::fromLocalFile(QStringLiteral("/media/fixtures/") + name));
+}
+
+std::string describe(const MCVideoTrack &t)
+{
+    return QStringLiteral("%1|%2|%3|%4|%5|%6|%7|%8|%9")
+        .arg(t.trackType, t.trackCodec, t.trackExtension, t.trackInfo, t.trackMp4boxID, t.trackMkvmergeID,
+             t.trackFfmpegID, t.trackMencoderID, t.trackIndex)
+        .toStdString();
+}
+
+} // namespace
+
+TEST(MCTrackListParser, AviNumbersStreamsFromZeroForMencoderAndFromOneForMp4Box)
+{
+    const auto result = parse(QStringLiteral("xvid_mp3.avi"));
+    ASSERT_TRUE(result.ok());
+    ASSERT_EQ(result.tracks.size(), 2);
+    EXPECT_EQ(describe(*result.tracks[0]), "Video|mpeg4|avi|Video: (mpeg4)|1|0|0|0|1");
+    EXPECT_EQ(describe(*result.tracks[1]), "Audio|mp3|mp3|Audio: (mp3 2ch.)|2|1|1|1|1");
+    EXPECT_EQ(result.tracks[1]->trackBitRate, QStringLiteral("128"));
+    EXPECT_EQ(result.tracks[0]->trackTitle, QStringLiteral("Video Track"));
+    EXPECT_EQ(result.tracks[0]->userCodec, QStringLiteral("passthru"));
+}
+
+TEST(MCTrackListParser, MatroskaKeepsTitlesAndFullLanguageNames)
+{
+    const auto result = parse(QStringLiteral("h264_ac3_srt.mkv"));
+    ASSERT_TRUE(result.ok());
+    ASSERT_EQ(result.tracks.size(), 3);
+    EXPECT_EQ(describe(*result.tracks[0]), "Video|h264|h264|Video: (h264)|1|0|0|0|1");
+    EXPECT_EQ(describe(*result.tracks[1]), "Audio|ac3|ac3|Audio: (ac3 6ch.)|2|1|1|0|1");
+    EXPECT_EQ(describe(*result.tracks[2]), "Subtitle|srt|srt|Subtitle: (srt)|3|2|2|0|1");
+    EXPECT_EQ(result.tracks[0]->trackTitle, QStringLiteral("Picture"));
+    EXPECT_EQ(result.tracks[1]->trackTitle, QStringLiteral("Surround"));
+    EXPECT_EQ(result.tracks[1]->trackLanguage, QStringLiteral("English"));
+    EXPECT_EQ(result.tracks[2]->trackLanguage, QStringLiteral("French"));
+    EXPECT_EQ(result.tracks[1]->trackBitRate, QStringLiteral("384"));
+    EXPECT_EQ(result.tracks[2]->userCodec, QStringLiteral("mux"));
+}
+
+TEST(MCTrackListParser, Mp4TextTrackAndAac)
+{
+    const auto result = parse(QStringLiteral("h264_aac_text.mp4"));
+    ASSERT_TRUE(result.ok());
+    ASSERT_EQ(result.tracks.size(), 3);
+    EXPECT_EQ(describe(*result.tracks[1]), "Audio|aac|aac|Audio: (aac 1ch.)|2|1|1|0|1");
+    EXPECT_EQ(describe(*result.tracks[2]), "Subtitle|ttxt|ttxt|Subtitle: (ttxt)|3|2|2|0|1");
+    EXPECT_EQ(result.tracks[1]->trackLanguage, QStringLiteral("German"));
+}
+
+TEST(MCTrackListParser, TransportStreamIdsAboveSevenHundredBecomePositions)
+{
+    const auto result = parse(QStringLiteral("stream.ts"));
+    ASSERT_TRUE(result.ok());
+    ASSERT_EQ(result.tracks.size(), 2);
+    EXPECT_EQ(describe(*result.tracks[0]), "Video|mpeg2|mpg|Video: (mpeg2)|1|0|0|1|1");
+    EXPECT_EQ(describe(*result.tracks[1]), "Audio|mp2|mp2|Audio: (mp2 1ch.)|2|1|1|1|1");
+}
+
+TEST(MCTrackListParser, LoneAudioFilesAreOneTrackWithZeroIds)
+{
+    for (const auto &[name, codec] : {std::pair{QStringLiteral("audio.ogg"), QStringLiteral("ogg")},
+                                      std::pair{QStringLiteral("audio.dts"), QStringLiteral("dts")}}) {
+        const auto result = parse(name);
+        ASSERT_TRUE(result.ok()) << name.toStdString();
+        ASSERT_EQ(result.tracks.size(), 1);
+        EXPECT_EQ(result.tracks[0]->trackCodec, codec);
+        EXPECT_EQ(result.tracks[0]->trackFfmpegID, QStringLiteral("0"));
+        EXPECT_EQ(result.tracks[0]->trackMkvmergeID, QStringLiteral("0"));
+    }
+    EXPECT_EQ(parse(QStringLiteral("audio.dts")).tracks[0]->trackInfo, QStringLiteral("Audio: (dts 6ch.)"));
+}
+
+TEST(MCTrackListParser, SubtitleFileIsAnExternalTrackAndOtherFilesAreNotVideos)
+{
+    const auto srt = parse(QStringLiteral("subs.srt"));
+    ASSERT_EQ(srt.tracks.size(), 1);
+    EXPECT_EQ(describe(*srt.tracks[0]), "External Subtitle|srt|srt|Subtitle: (srt)|1|0|0|1|0");
+    EXPECT_EQ(srt.tracks[0]->trackTitle, QStringLiteral("Added Subtitle"));
+    EXPECT_EQ(parse(QStringLiteral("notes.txt")).failure, QStringLiteral("not a video"));
+}
+
+TEST(MCTrackListParser, ReportEdgeCases)
+{
+    const MCVideoFile file;
+    const QUrl avi = QUrl::fromLocalFile(QStringLiteral("/x/a.avi"));
+    // Video #1 / Video #2 are not headers: no video track at all.
+    auto result = file.trackListFromReport({QStringLiteral("Video #1"), QStringLiteral("Codec  : AVC"), QStringLiteral("Video #2")}, avi);
+    EXPECT_EQ(result.failure, QStringLiteral("not a video"));
+    // An unknown audio codec makes the whole file unidentified; an unknown subtitle is dropped.
+    result = file.trackListFromReport({QStringLiteral("Audio"), QStringLiteral("Codec  : Mystery")}, avi);
+    EXPECT_EQ(result.failure, QStringLiteral("track not identified"));
+    result = file.trackListFromReport({QStringLiteral("Video"), QStringLiteral("Codec  : XVID"), QStringLiteral("Text"),
+                                       QStringLiteral("Codec  : Mystery")},
+                                      avi);
+    ASSERT_TRUE(result.ok());
+    EXPECT_EQ(result.tracks.size(), 1);
+    // The first raw bit rate wins; formatted values and short language codes are skipped.
+    result = file.trackListFromReport({QStringLiteral("Audio"), QStringLiteral("Codec  : MPEG-1 Audio layer 3"),
+                                       QStringLiteral("Bit rate  : 1411200"), QStringLiteral("Bit rate  : 1 411.2 Kbps"),
+                                       QStringLiteral("Bit rate  : 64000"), QStringLiteral("Language  : Lao"),
+                                       QStringLiteral("Language  : en"), QStringLiteral("Channel(s)  : 1 channel")},
+                                      avi);
+    ASSERT_TRUE(result.ok());
+    EXPECT_EQ(result.tracks[0]->trackBitRate, QStringLiteral("1411"));
+    EXPECT_EQ(result.tracks[0]->trackLanguage, QStringLiteral("Lao"));
+    EXPECT_EQ(result.tracks[0]->trackNumberOfChannels, QStringLiteral("0"));
+    // A later class that also matches wins: MPEG-4 AVC is h264, VFW is VC-1.
+    result = file.trackListFromReport({QStringLiteral("Video"), QStringLiteral("Codec  : MPEG4/AVC"), QStringLiteral("Video"),
+                                       QStringLiteral("Codec  : vfw")},
+                                      avi);
+    EXPECT_EQ(result.tracks[0]->trackCodec, QStringLiteral("h264"));
+    EXPECT_EQ(result.tracks[1]->trackCodec, QStringLiteral("VC-1"));
+}
+
+TEST(MCVideoFileProperties, FrameRateComesFromGeneralAndVideoOnly)
+{
+    MCVideoFile file;
+    file.filePropertiesFromReport(fixture(QStringLiteral("h264_ac3_srt.mkv")));
+    EXPECT_EQ(file.theFPS, QStringLiteral("25.000"));
+    EXPECT_EQ(file.theWidth, QStringLiteral("320"));
+    EXPECT_EQ(file.theHeight, QStringLiteral("240"));
+    EXPECT_EQ(file.theNumberOfVideoTracks, QStringLiteral("1"));
+    EXPECT_EQ(file.theNumberOfAudioTracks, QStringLiteral("1"));
+    EXPECT_EQ(file.theNumberOfSubTracks, QStringLiteral("1"));
+    file.filePropertiesFromReport({QStringLiteral("Video"), QStringLiteral("Frame rate  : 23.976"), QStringLiteral(""),
+                                   QStringLiteral("Audio"), QStringLiteral("Frame rate  : 31.250"),
+                                   QStringLiteral("Frame rate  : 31.250 FPS")});
+    EXPECT_EQ(file.theFPS, QStringLiteral("23.976"));
+}
+
+TEST(MCVideoFileReport, BannersAndFieldOrder)
+{
+    MCVideoFile file;
+    file.trackList.append(std::make_shared<MCVideoTrack>());
+    const QString report = file.stringFromFileProperties();
+    EXPECT_TRUE(report.startsWith(QStringLiteral(
+        "\n\n\n################################   Video File Porperties  ######################################\ntheFilePath = none\n")));
+    EXPECT_TRUE(report.contains(QStringLiteral("headerRemovalFlag = 0\ntheNumberOfVideoTracks = 0\n")));
+    EXPECT_TRUE(report.contains(QStringLiteral(
+        "\n################################   Track #1  ######################################\ntrackSelected = 0\n")));
+    EXPECT_TRUE(report.endsWith(QStringLiteral("wasReEncoded = 0\n")));
+}
