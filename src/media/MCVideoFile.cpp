@@ -7,6 +7,8 @@
 
 #include <QFileInfo>
 
+#include <future>
+
 using MCMediaInfoReport::SectionKind;
 
 namespace {
@@ -135,12 +137,18 @@ QString MCVideoFile::quickInitializeForURL(const QUrl &url)
 
 QString MCVideoFile::initializeForURL(const QUrl &url)
 {
+    // mkvinfo runs beside mediainfo, so a Matroska file costs one tool's time.
+    std::future<bool> headerCheck;
+    if (QFileInfo(url.toLocalFile()).suffix().toLower().startsWith(QStringLiteral("mkv")))
+        headerCheck = std::async(std::launch::async, [this, url] { return checkForHeaderRemovalFor(url); });
     m_reportURL = QUrl();
     m_reportLines = mediaInfoReportFor(url);
     m_reportURL = url;
+    m_headerRemovalAnswer = headerCheck.valid() ? std::optional<bool>(headerCheck.get()) : std::nullopt;
     const MCTrackListResult result = makeTrackListFor(url);
     if (!result.ok()) {
         m_reportURL = QUrl();
+        m_headerRemovalAnswer.reset();
         return result.failure;
     }
     setFileDefaultPropertyValues();
@@ -161,7 +169,11 @@ void MCVideoFile::setFilePropertiesFor(const QUrl &url)
 {
     setNameFieldsFor(url);
     filePropertiesFromReport(mediaInfoReportFor(url));
-    headerRemovalFlag = theFileExtension.startsWith(QStringLiteral("mkv")) && checkForHeaderRemovalFor(url);
+    if (!theFileExtension.startsWith(QStringLiteral("mkv")))
+        headerRemovalFlag = false;
+    else
+        headerRemovalFlag = m_headerRemovalAnswer ? *m_headerRemovalAnswer : checkForHeaderRemovalFor(url);
+    m_headerRemovalAnswer.reset();
 }
 
 void MCVideoFile::filePropertiesFromReport(const QStringList &lines)

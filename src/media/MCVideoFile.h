@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <optional>
+
 // The answer of the track parser: the tracks, or a failure word
 // ("track not identified", "not a video") and no tracks.
 struct MCTrackListResult
@@ -93,4 +95,5 @@ private:
     // the tracks and the file properties.
     QUrl m_reportURL;
     QStringList m_reportLines;
+    std::optional<bool> m_headerRemovalAnswer;
 };
