@@ -21,8 +21,7 @@ fi
 
 if [ -x "$root/build/bin/kestrane" ] && { [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; }; then
   exec "$root/build/bin/kestrane" "${files[@]}"
-elif [ -x "$root/build/bin/kestrane-cli" ]; then
-  exec "$root/build/bin/kestrane-cli" inspect "${files[@]}"
 else
-  exec "$root/build/bin/kestrane-inspect" "${files[@]}"
+  # No window available (or no display): print what Kestrane sees in the files.
+  exec "$root/build/bin/kestrane-cli" inspect "${files[@]}"
 fi
