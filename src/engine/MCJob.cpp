@@ -65,6 +65,8 @@ void MCJob::setJobStatus(const QString &status)
     if (status == m_jobStatus)
         return;
     m_jobStatus = status;
+    if (jobSelection)
+        jobSelection->jobStatus = status; // the job's own copy travels with it
     emit jobStatusChanged();
 }
 
@@ -153,7 +155,9 @@ void MCJob::addMonitorLoop(std::function<bool()> tick, std::function<void()> nex
             finished = tick();
             if (!jobIsCancelled())
                 postProgressUpdate(progressList());
-            sleepOneTick();
+            // No need to wait half a second before the next phase.
+            if (!finished)
+                sleepOneTick();
         }
         if (!jobIsCancelled() && nextPhase)
             QMetaObject::invokeMethod(this, nextPhase, Qt::QueuedConnection);

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "MCJob.h"
+
+// Converts a file into an MPEG-4 AVI: one video step that writes video,
+// audio and any burned subtitle, plus one extraction step for every
+// subtitle the user wants as a file of its own.
+class MCConvertToAviJob : public MCJob
+{
+    Q_OBJECT
+public:
+    explicit MCConvertToAviJob(QObject *parent = nullptr);
+    ~MCConvertToAviJob() override;
+
+    MCTrackList theTracks;
+    int muxStepCounter = 1;
+    int oldMuxProgress = 0;
+
+    void startJob() override;
+    // Every step is watched until it ends; then the job is done.
+    void monitorStartJob();
+    // The muxing monitor ("Muxing Step #%i"); the conversion itself never
+    // reaches a muxing phase.
+    void monitorMuxStep();
+
+    static void registerJobType();
+};

@@ -1,0 +1,8 @@
+#include "MCJobTypes.h"
+
+#include "MCConvertToAviJob.h"
+
+void MCJobTypes::registerAll()
+{
+    MCConvertToAviJob::registerJobType();
+}
