@@ -347,8 +347,26 @@ bool MCConverter::processIsRunning(const QString &pid)
     return close >= 0 && close + 2 < line.size() && line.at(close + 2) != 'Z';
 }
 
+namespace {
+MCConverter::CommandRecorder &commandRecorder()
+{
+    static MCConverter::CommandRecorder recorder;
+    return recorder;
+}
+} // namespace
+
+void MCConverter::setCommandRecorder(CommandRecorder recorder)
+{
+    commandRecorder() = std::move(recorder);
+}
+
 QString MCConverter::launchInBackground(const QUrl &tool, const MCOptionList &options)
 {
+    if (const CommandRecorder &recorder = commandRecorder()) {
+        recorder(commandFromOptions(headForTool(tool, options), options));
+        doShell_ID.clear();
+        return QStringLiteral("error");
+    }
     if (!fileExistsAtURL(tool)) {
         doShell_ID.clear();
         return QStringLiteral("error");

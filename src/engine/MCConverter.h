@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <functional>
 #include <memory>
 
 class MCPreferences;
@@ -74,6 +75,13 @@ public:
     void determineSaveDirectoryURL();
     // A hook for result checks: answers "" (no error).
     QString checkForErrorsInOutputURL(const QUrl &outputURL, const QUrl &logURL) const;
+
+    // Compose-only mode for the whole process (kestrane-cli --dry-run):
+    // while a recorder is set, launchInBackground hands it the command line
+    // it would run and starts nothing, answering "error" as a step that
+    // cannot be built does. Set it before any job starts.
+    using CommandRecorder = std::function<void(const QString &command)>;
+    static void setCommandRecorder(CommandRecorder recorder);
 
     // The track this step works on, or null when the index is out of range.
     MCVideoTrackPtr trackToProcess() const;
