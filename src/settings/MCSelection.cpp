@@ -1,11 +1,7 @@
 #include "MCSelection.h"
 
 #include "MCLog.h"
-
-#if __has_include("MCVideoFile.h")
 #include "MCVideoFile.h"
-#define KESTRANE_HAVE_VIDEO_FILE 1
-#endif
 
 namespace {
 
@@ -146,7 +142,6 @@ void MCSelection::setDefaultSelectionProperties()
     splitDurationSeconds = zero;
 }
 
-#ifdef KESTRANE_HAVE_VIDEO_FILE
 void MCSelection::initializeFrom(const MCVideoFile &file)
 {
     videoTrackFilePath = file.theFilePath;
@@ -174,7 +169,6 @@ void MCSelection::initializeFrom(const MCVideoFile &file)
     subCount = QStringLiteral("0");
     addedAudioTrackList = MCTrackList();
 }
-#endif
 
 void MCSelection::addAnyStereoTracks()
 {

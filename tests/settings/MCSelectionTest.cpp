@@ -1,5 +1,6 @@
 #include "MCLog.h"
 #include "MCSelection.h"
+#include "MCVideoFile.h"
 #include "TestSupport.h"
 
 #include <QFile>
@@ -67,6 +68,34 @@ TEST(MCSelectionTest, ConstructionAndDefaults)
     EXPECT_EQ(selection.currentEncoder, QStringLiteral("mencoder"));
     EXPECT_EQ(selection.vidCount, QStringLiteral("1"));
     EXPECT_EQ(selection.trackList.size(), 1);
+}
+
+TEST(MCSelectionTest, AFileGivesTheStartingValues)
+{
+    MCVideoFile file;
+    file.theFilePath = QStringLiteral("/tmp/My Movie.avi");
+    file.theFileURL = QUrl::fromLocalFile(file.theFilePath);
+    file.theFileShortName = QStringLiteral("My Movie");
+    file.theFPS = QStringLiteral("23.976");
+    file.theWidth = QStringLiteral("720");
+    file.theHeight = QStringLiteral("576");
+    file.theVideoBitRate = QStringLiteral("1800");
+    file.headerRemovalFlag = true;
+
+    MCSelection selection;
+    selection.initialize();
+    selection.addedAudioTrackList = {audioTrack(QStringLiteral("1"), QStringLiteral("6"), true)};
+    selection.initializeFrom(file);
+    EXPECT_EQ(selection.videoTrackFileURL, file.theFileURL);
+    EXPECT_EQ(selection.videoTrackFileShortName, QStringLiteral("My Movie"));
+    EXPECT_TRUE(selection.headerRemovalFlag);
+    EXPECT_EQ(selection.userFPS, QStringLiteral("23.976"));
+    EXPECT_EQ(selection.userWidth, QStringLiteral("720"));
+    EXPECT_EQ(selection.userVideoBitRate, QStringLiteral("1800"));
+    // The height is not taken from the file.
+    EXPECT_EQ(selection.userHeight, QStringLiteral("0"));
+    EXPECT_EQ(selection.audCount, QStringLiteral("0"));
+    EXPECT_TRUE(selection.addedAudioTrackList.isEmpty());
 }
 
 TEST(MCSelectionTest, CopySharesTracksButNotListsOrEncoderChoice)
