@@ -1,0 +1,153 @@
+#include "MCAviEditor.h"
+
+#include "MCJoinPropertyCheck.h"
+#include "MCMencoderVideo.h"
+#include "MCNotificationCenter.h"
+#include "MCOutputGuard.h"
+#include "MCSplitRange.h"
+
+#include <QFileInfo>
+
+namespace {
+
+const QString kAudioMuxer = QStringLiteral("audioMuxer");
+const QString kAviSplitter = QStringLiteral("aviSplitter");
+
+} // namespace
+
+MCAviEditor::MCAviEditor()
+{
+    converterName = QStringLiteral("aviEditor");
+}
+
+QString MCAviEditor::startConversionFor(const MCSelectionPtr &selection)
+{
+    converterName = QStringLiteral("aviEditor");
+    converterSelection = selection;
+    doShell_ID.clear();
+    tempFileToDeleteURL.clear();
+    if (!selection)
+        return QStringLiteral("error");
+    if (selection->jobType == QStringLiteral("AVI Joining"))
+        return startJoining();
+    if (selection->jobType == QStringLiteral("AVI Splitting"))
+        return startSplitting();
+    if (selection->jobType == QStringLiteral("AVI Track Addition"))
+        return startAddingAudio();
+    return QStringLiteral("error");
+}
+
+QString MCAviEditor::stemInSaveFolder(const QUrl &input)
+{
+    const QFileInfo info(input.toLocalFile());
+    saveDirectoryURL = preferredSaveDirectory(QUrl::fromLocalFile(info.absolutePath()));
+    return urlInSaveDirectory(info.fileName()).toLocalFile();
+}
+
+QString MCAviEditor::startJoining()
+{
+    const QList<QUrl> files = converterSelection->editFilesURLsList;
+    if (files.isEmpty())
+        return QStringLiteral("error");
+    inputFileURL = files.first();
+    const QStringList mismatched = findMismatchedProperetiesFor(files);
+    if (!mismatched.isEmpty())
+        MCJoinPropertyCheck::showJoinWarning(mismatched);
+    const QString stem = stemInSaveFolder(inputFileURL);
+    logFileURL = QUrl::fromLocalFile(stem + QStringLiteral(".joined.log"));
+    outputFileURL = QUrl::fromLocalFile(
+        QStringLiteral("%1.joined.%2").arg(stem, QFileInfo(inputFileURL.toLocalFile()).suffix()));
+    MCOptionList arguments{QStringLiteral("-ovc copy"), QStringLiteral("-oac copy"), QStringLiteral("-idx"),
+                           QStringLiteral("-o"), outputFileURL};
+    for (const QUrl &file : files)
+        arguments << file;
+    return launch(QStringLiteral("mencoder"), arguments, files);
+}
+
+MCOptionList MCAviEditor::splitArgumentsFor(const MCSelection &selection)
+{
+    if (selection.splitType == QStringLiteral("time")) {
+        if (!MCSplitRange::isValidTimeRange(selection.splitStartTimeText, selection.splitEndTimeText))
+            return {};
+        return {QStringLiteral("-t"),
+                QStringLiteral("%1-%2").arg(selection.splitStartTimeText, selection.splitEndTimeText),
+                QStringLiteral("-c")};
+    }
+    if (selection.splitType == QStringLiteral("size")) {
+        // A size of nothing would make avisplit write pieces without end.
+        if (selection.splitSize.toInt() <= 0)
+            return {};
+        return {QStringLiteral("-s"), selection.splitSize, QStringLiteral("-H"), selection.splitNumber};
+    }
+    return {};
+}
+
+QString MCAviEditor::startSplitting()
+{
+    converterName = kAviSplitter;
+    inputFileURL = converterSelection->videoTrackFileURL;
+    const QString stem = stemInSaveFolder(inputFileURL);
+    logFileURL = QUrl::fromLocalFile(stem + QStringLiteral(".split.log"));
+    outputFileURL = QUrl::fromLocalFile(
+        QStringLiteral("%1.split.%2").arg(stem, QFileInfo(inputFileURL.toLocalFile()).suffix()));
+    const MCOptionList split = splitArgumentsFor(*converterSelection);
+    if (split.isEmpty())
+        return QStringLiteral("error");
+    MCOptionList arguments{QStringLiteral("-i"), inputFileURL};
+    arguments << split << QStringLiteral("-o") << outputFileURL;
+    return launch(QStringLiteral("avisplit"), arguments, {inputFileURL});
+}
+
+QString MCAviEditor::startAddingAudio()
+{
+    converterName = kAudioMuxer;
+    inputFileURL = converterSelection->videoTrackFileURL;
+    const MCVideoTrackPtr audio = trackToProcess();
+    if (!audio)
+        return QStringLiteral("error");
+    const QString stem = stemInSaveFolder(inputFileURL);
+    outputFileURL = QUrl::fromLocalFile(
+        QStringLiteral("%1.addedAudio.%2").arg(stem, QFileInfo(inputFileURL.toLocalFile()).suffix()));
+    logFileURL = QUrl::fromLocalFile(stem + QStringLiteral(".addedAudio.log"));
+    monitorCounter = 0;
+    const QList<QUrl> inputs{inputFileURL, audio->trackFileURL};
+    if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
+        return QStringLiteral("error");
+    MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
+    return launch(QStringLiteral("avimerge"),
+                  {QStringLiteral("-i"), inputFileURL, QStringLiteral("-p"), audio->trackFileURL, QStringLiteral("-o"),
+                   outputFileURL},
+                  inputs);
+}
+
+QString MCAviEditor::launch(const QString &tool, MCOptionList arguments, const QList<QUrl> &inputs)
+{
+    if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
+        return QStringLiteral("error");
+    arguments << QStringLiteral("&>") << logFileURL << QStringLiteral("& echo $!");
+    return launchInBackground(urlOfApp(tool), arguments);
+}
+
+QString MCAviEditor::heartbeat(const QString &word)
+{
+    ++monitorCounter;
+    return QStringLiteral("%1 %2").arg(word).arg(monitorCounter % 2 == 1 ? 1 : 2);
+}
+
+QString MCAviEditor::monitorConversion()
+{
+    if (!processIsRunning(doShell_ID))
+        return QStringLiteral("Complete");
+    if (converterName == kAudioMuxer)
+        return heartbeat(QStringLiteral("avimerge"));
+    if (converterName == kAviSplitter)
+        return heartbeat(QStringLiteral("splitting"));
+    if (const std::optional<QString> percent = MCMencoderVideo::percentFromPosLine(lastLogLine()))
+        oldProgress = *percent;
+    return oldProgress;
+}
+
+QStringList MCAviEditor::findMismatchedProperetiesFor(const QList<QUrl> &urls) const
+{
+    return MCJoinPropertyCheck::findMismatchedProperetiesFor(urls);
+}
