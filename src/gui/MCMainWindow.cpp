@@ -1,0 +1,458 @@
+#include "MCMainWindow.h"
+
+#include "MCDropTableView.h"
+#include "MCIntegerField.h"
+#include "MCTimeField.h"
+#include "MCPreferences.h"
+#include "MCPreferencesController.h"
+#include "MCQueuePanel.h"
+#include "MCToolTipBinder.h"
+#include "MCTrackTableModel.h"
+
+#include <QAction>
+#include <QButtonGroup>
+#include <QCloseEvent>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStackedWidget>
+#include <QStringListModel>
+#include <QStyle>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+QButtonGroup *radioGroup(QWidget *parent, QBoxLayout *layout, const QStringList &titles)
+{
+    auto *group = new QButtonGroup(parent);
+    for (int i = 0; i < titles.size(); ++i) {
+        auto *button = new QRadioButton(titles.at(i), parent);
+        group->addButton(button, i);
+        layout->addWidget(button);
+    }
+    group->button(0)->setChecked(true);
+    return group;
+}
+
+QLineEdit *numberField(QWidget *parent, int width = 70)
+{
+    auto *field = new QLineEdit(parent);
+    field->setFixedWidth(width);
+    field->setAlignment(Qt::AlignRight);
+    return field;
+}
+
+QWidget *withUnit(QWidget *parent, QWidget *field, const QString &unit)
+{
+    auto *box = new QWidget(parent);
+    auto *layout = new QHBoxLayout(box);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(field);
+    if (!unit.isEmpty())
+        layout->addWidget(new QLabel(unit, box));
+    layout->addStretch();
+    return box;
+}
+
+QLineEdit *timeField(QWidget *parent, const QString &name)
+{
+    auto *field = new QLineEdit(QStringLiteral("00:00:00"), parent);
+    field->setObjectName(name);
+    field->setFixedWidth(field->fontMetrics().horizontalAdvance(QStringLiteral("00:00:00")) + 24);
+    field->setMaxLength(12);
+    new MCTimeField(field);
+    return field;
+}
+
+} // namespace
+
+const QStringList &MCMainWindow::tabNames()
+{
+    static const QStringList names{QStringLiteral("AVI"), QStringLiteral("Edit Files"), QStringLiteral("Edit Tracks")};
+    return names;
+}
+
+MCMainWindow::MCMainWindow(MCPreferences *preferences, MCQueueController *queue, QWidget *parent)
+    : QMainWindow(parent)
+    , m_preferences(preferences)
+{
+    setObjectName(QStringLiteral("mainWindow"));
+    setWindowTitle(QStringLiteral("Kestrane"));
+    setAcceptDrops(false);
+    toolTips = new MCToolTipBinder(preferences, this);
+
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
+    layout->addWidget(buildTopBar());
+    layout->addWidget(buildTables(), 1);
+
+    tabs = new QTabWidget(central);
+    tabs->addTab(buildAviTab(), tabNames().at(0));
+    tabs->addTab(buildEditFilesTab(), tabNames().at(1));
+    tabs->addTab(buildEditTracksTab(), tabNames().at(2));
+    layout->addWidget(tabs);
+    setCentralWidget(central);
+
+    queuePanel = new MCQueuePanel(queue, toolTips, this);
+    addDockWidget(Qt::RightDockWidgetArea, queuePanel);
+    queuePanel->hide();
+    preferencesPanel = new MCPreferencesController(preferences, toolTips, this);
+
+    buildMenus();
+    bindToolTips();
+    resize(1000, 700);
+}
+
+QWidget *MCMainWindow::buildTopBar()
+{
+    auto *bar = new QWidget(this);
+    auto *grid = new QGridLayout(bar);
+    grid->setContentsMargins(0, 0, 0, 0);
+
+    openButton = new QPushButton(style()->standardIcon(QStyle::SP_DialogOpenButton), QStringLiteral("Open..."), bar);
+    addButton = new QPushButton(QStringLiteral("Add Tracks..."), bar);
+    playButton = new QPushButton(style()->standardIcon(QStyle::SP_MediaPlay), QStringLiteral("Play"), bar);
+    watchButton = new QPushButton(QStringLiteral("Watch Folder"), bar);
+    watchButton->setEnabled(false); // watch mode comes later
+    queueButton = new QPushButton(QStringLiteral("Queue"), bar);
+    queueButton->setCheckable(true);
+
+    auto *buttons = new QHBoxLayout;
+    for (QPushButton *button : {openButton, addButton, playButton, watchButton})
+        buttons->addWidget(button);
+    buttons->addStretch();
+    buttons->addWidget(queueButton);
+    grid->addLayout(buttons, 0, 0, 1, 6);
+
+    presetSelectionsPopUp = new QComboBox(bar);
+    presetSettingsPopUp = new QComboBox(bar);
+    presetSelectionsPopUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    presetSettingsPopUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    presetSelectionsPopUp->setMinimumContentsLength(14);
+    presetSettingsPopUp->setMinimumContentsLength(14);
+    editSelectionsButton = new QPushButton(QStringLiteral("Edit..."), bar);
+    editSettingsButton = new QPushButton(QStringLiteral("Edit..."), bar);
+    auto *presets = new QHBoxLayout;
+    presets->addWidget(new QLabel(QStringLiteral("Track Selections:"), bar));
+    presets->addWidget(presetSelectionsPopUp);
+    presets->addWidget(editSelectionsButton);
+    presets->addSpacing(24);
+    presets->addWidget(new QLabel(QStringLiteral("Settings:"), bar));
+    presets->addWidget(presetSettingsPopUp);
+    presets->addWidget(editSettingsButton);
+    presets->addStretch();
+    grid->addLayout(presets, 1, 0, 1, 6);
+
+    fileTextField = new QLabel(QStringLiteral("Drop Video File(s) in the Table Below"), bar);
+    fileTextField->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    fileTextField->setMinimumWidth(100);
+    fileTextField->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    QFont font = fileTextField->font();
+    font.setBold(true);
+    fileTextField->setFont(font);
+    grid->addWidget(fileTextField, 2, 0, 1, 6);
+    return bar;
+}
+
+QWidget *MCMainWindow::buildTables()
+{
+    auto *box = new QWidget(this);
+    auto *layout = new QVBoxLayout(box);
+    layout->setContentsMargins(0, 0, 0, 0);
+
+    tableStack = new QStackedWidget(box);
+    trackTable = new MCDropTableView(tableStack);
+    trackTable->setObjectName(QStringLiteral("trackTable"));
+    trackModel = new MCTrackTableModel(trackTable);
+    trackTable->setModel(trackModel);
+    trackTable->verticalHeader()->hide();
+    trackTable->setAlternatingRowColors(true);
+    trackTable->setSelectionBehavior(QAbstractItemView::SelectRows);
+    trackTable->setSelectionMode(QAbstractItemView::SingleSelection);
+    auto *header = trackTable->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(MCTrackTableModel::InfoColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(MCTrackTableModel::SelectedColumn, QHeaderView::Fixed);
+    header->resizeSection(MCTrackTableModel::SelectedColumn, 32);
+
+    fileTable = new MCDropTableView(tableStack);
+    fileTable->setObjectName(QStringLiteral("fileTable"));
+    fileModel = new QStringListModel(fileTable);
+    fileTable->setModel(fileModel);
+    fileTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    fileTable->verticalHeader()->hide();
+    fileTable->horizontalHeader()->hide();
+    fileTable->horizontalHeader()->setStretchLastSection(true);
+    fileTable->setAlternatingRowColors(true);
+    tableStack->addWidget(trackTable);
+    tableStack->addWidget(fileTable);
+    layout->addWidget(tableStack, 1);
+
+    trackToggles = new QWidget(box);
+    auto *toggles = new QHBoxLayout(trackToggles);
+    toggles->setContentsMargins(0, 0, 0, 0);
+    toggles->addWidget(new QLabel(QStringLiteral("Select all:"), trackToggles));
+    toggleVideoButton = new QPushButton(QStringLiteral("Video"), trackToggles);
+    toggleAudioButton = new QPushButton(QStringLiteral("Audio"), trackToggles);
+    toggleSubtitleButton = new QPushButton(QStringLiteral("Subtitles"), trackToggles);
+    for (QPushButton *button : {toggleVideoButton, toggleAudioButton, toggleSubtitleButton})
+        toggles->addWidget(button);
+    toggles->addStretch();
+    layout->addWidget(trackToggles);
+    return box;
+}
+
+QWidget *MCMainWindow::buildAviTab()
+{
+    auto *page = new QWidget(this);
+    auto *layout = new QHBoxLayout(page);
+
+    auto *video = new QGroupBox(QStringLiteral("Video"), page);
+    auto *videoLayout = new QVBoxLayout(video);
+    videoMatrix = radioGroup(video, videoLayout,
+                             {QStringLiteral("Passthru"), QStringLiteral("MPEG-4 (1 pass)"), QStringLiteral("MPEG-4 (2 pass)")});
+    auto *videoForm = new QFormLayout;
+    vidBitRateField = numberField(video);
+    resWidthField = numberField(video);
+    new MCIntegerField(resWidthField);
+    fpsCombo = new QComboBox(video);
+    fpsCombo->setEditable(true);
+    fpsCombo->setFixedWidth(90);
+    devicePopUp = new QComboBox(video);
+    videoForm->addRow(QStringLiteral("Bit rate:"), withUnit(video, vidBitRateField, QStringLiteral("kb/s")));
+    videoForm->addRow(QStringLiteral("Width:"), withUnit(video, resWidthField, QStringLiteral("pixels")));
+    videoForm->addRow(QStringLiteral("Frame rate:"), withUnit(video, fpsCombo, QStringLiteral("fps")));
+    videoForm->addRow(QStringLiteral("Device:"), devicePopUp);
+    videoLayout->addLayout(videoForm);
+    videoLayout->addStretch();
+
+    auto *audio = new QGroupBox(QStringLiteral("Audio"), page);
+    auto *audioLayout = new QVBoxLayout(audio);
+    auto *trackRow = new QHBoxLayout;
+    audioTrackLabel = new QLabel(QStringLiteral("Track:"), audio);
+    audioTrackPopUp = new QComboBox(audio);
+    audioTrackPopUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    trackRow->addWidget(audioTrackLabel);
+    trackRow->addWidget(audioTrackPopUp, 1);
+    audioLayout->addLayout(trackRow);
+    audioMatrix = radioGroup(audio, audioLayout,
+                             {QStringLiteral("Passthru"), QStringLiteral("MP3 Stereo"), QStringLiteral("AC3 5.1")});
+    auto *audioForm = new QFormLayout;
+    audioBitRatePopUp = new QComboBox(audio);
+    audioForm->addRow(QStringLiteral("Bit rate:"), withUnit(audio, audioBitRatePopUp, QStringLiteral("kb/s")));
+    audioLayout->addLayout(audioForm);
+    addStereoCheckBox = new QCheckBox(QStringLiteral("Add a stereo copy"), audio);
+    audioLayout->addWidget(addStereoCheckBox);
+    audioLayout->addStretch();
+
+    auto *subtitles = new QGroupBox(QStringLiteral("Subtitles"), page);
+    auto *subtitleLayout = new QVBoxLayout(subtitles);
+    subtitleMatrix = radioGroup(subtitles, subtitleLayout, {QStringLiteral("Burn into video"), QStringLiteral("Extract to file")});
+    subtitleLayout->addStretch();
+    convertButton = new QPushButton(QStringLiteral("Convert"), subtitles);
+    convertButton->setDefault(true);
+    subtitleLayout->addWidget(convertButton, 0, Qt::AlignRight);
+
+    layout->addWidget(video, 3);
+    layout->addWidget(audio, 3);
+    layout->addWidget(subtitles, 2);
+    return page;
+}
+
+QWidget *MCMainWindow::buildEditFilesTab()
+{
+    auto *page = new QWidget(this);
+    auto *layout = new QHBoxLayout(page);
+
+    auto *join = new QGroupBox(QStringLiteral("Join"), page);
+    auto *joinLayout = new QVBoxLayout(join);
+    auto *joinText = new QLabel(QStringLiteral("Joins the listed files, in order, into one AVI."), join);
+    joinText->setWordWrap(true);
+    joinLayout->addWidget(joinText);
+    joinLayout->addStretch();
+    joinButton = new QPushButton(QStringLiteral("Join"), join);
+    joinLayout->addWidget(joinButton, 0, Qt::AlignRight);
+
+    auto *split = new QGroupBox(QStringLiteral("Split"), page);
+    auto *splitLayout = new QGridLayout(split);
+    auto *typeRow = new QHBoxLayout;
+    splitTypeMatrix = radioGroup(split, typeRow, {QStringLiteral("By time"), QStringLiteral("By size")});
+    typeRow->addStretch();
+    splitLayout->addLayout(typeRow, 0, 0, 1, 4);
+    splitStartTime = timeField(split, QStringLiteral("startTimeTextField"));
+    splitEndTime = timeField(split, QStringLiteral("endTimeTextField"));
+    splitSize = numberField(split, 60);
+    splitNumber = numberField(split, 60);
+    new MCIntegerField(splitSize);
+    new MCIntegerField(splitNumber);
+    splitLayout->addWidget(new QLabel(QStringLiteral("Start:"), split), 1, 0, Qt::AlignRight);
+    splitLayout->addWidget(splitStartTime, 1, 1);
+    splitLayout->addWidget(new QLabel(QStringLiteral("End:"), split), 2, 0, Qt::AlignRight);
+    splitLayout->addWidget(splitEndTime, 2, 1);
+    splitLayout->addWidget(new QLabel(QStringLiteral("Size:"), split), 1, 2, Qt::AlignRight);
+    splitLayout->addWidget(withUnit(split, splitSize, QStringLiteral("MB")), 1, 3);
+    splitLayout->addWidget(new QLabel(QStringLiteral("Pieces:"), split), 2, 2, Qt::AlignRight);
+    splitLayout->addWidget(splitNumber, 2, 3);
+    splitLayout->setColumnStretch(3, 1);
+    splitLayout->setRowStretch(3, 1);
+    splitButton = new QPushButton(QStringLiteral("Split"), split);
+    splitLayout->addWidget(splitButton, 4, 3, Qt::AlignRight);
+
+    auto *other = new QGroupBox(QStringLiteral("Other"), page);
+    auto *otherLayout = new QFormLayout(other);
+    parWidth = numberField(other, 50);
+    parHeight = numberField(other, 50);
+    new MCIntegerField(parWidth);
+    new MCIntegerField(parHeight);
+    auto *par = new QWidget(other);
+    auto *parLayout = new QHBoxLayout(par);
+    parLayout->setContentsMargins(0, 0, 0, 0);
+    parLayout->addWidget(parWidth);
+    parLayout->addWidget(new QLabel(QStringLiteral(":"), par));
+    parLayout->addWidget(parHeight);
+    parLayout->addStretch();
+    otherLayout->addRow(QStringLiteral("Pixel aspect:"), par);
+    remuxButton = new QPushButton(QStringLiteral("Re-Mux"), other);
+    otherLayout->addRow(QString(), remuxButton);
+
+    layout->addWidget(join, 2);
+    layout->addWidget(split, 3);
+    layout->addWidget(other, 2);
+    return page;
+}
+
+QWidget *MCMainWindow::buildEditTracksTab()
+{
+    auto *page = new QWidget(this);
+    auto *layout = new QHBoxLayout(page);
+    auto *group = new QGroupBox(QStringLiteral("Tracks"), page);
+    auto *groupLayout = new QVBoxLayout(group);
+    editTrackMatrix = radioGroup(group, groupLayout, {QStringLiteral("Extract tracks"), QStringLiteral("Add external audio tracks")});
+    editTrackLabel = new QLabel(group);
+    editTrackLabel->setWordWrap(true);
+    groupLayout->addWidget(editTrackLabel);
+    groupLayout->addStretch();
+    auto *buttons = new QHBoxLayout;
+    addTracksButton = new QPushButton(QStringLiteral("Add Tracks..."), group);
+    startTrackEditButton = new QPushButton(QStringLiteral("Start"), group);
+    buttons->addWidget(addTracksButton);
+    buttons->addStretch();
+    buttons->addWidget(startTrackEditButton);
+    groupLayout->addLayout(buttons);
+    layout->addWidget(group);
+    return page;
+}
+
+void MCMainWindow::buildMenus()
+{
+    QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    openAction = file->addAction(QStringLiteral("&Open..."));
+    openAction->setShortcut(QKeySequence::Open);
+    addAction = file->addAction(QStringLiteral("&Add Tracks..."));
+    file->addSeparator();
+    preferencesAction = file->addAction(QStringLiteral("&Preferences..."));
+    preferencesAction->setShortcut(QKeySequence::Preferences);
+    file->addSeparator();
+    quitAction = file->addAction(QStringLiteral("&Quit"));
+    quitAction->setShortcut(QKeySequence::Quit);
+
+    QMenu *view = menuBar()->addMenu(QStringLiteral("&View"));
+    showQueueAction = queuePanel->toggleViewAction();
+    showQueueAction->setText(QStringLiteral("&Queue"));
+    view->addAction(showQueueAction);
+
+    QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    onlineGuideAction = help->addAction(QStringLiteral("Online Guide"));
+    troubleshootingAction = help->addAction(QStringLiteral("Online Troubleshooting"));
+    help->addSeparator();
+    toolTipsAction = help->addAction(QString());
+    saveFileInfoAction = help->addAction(QStringLiteral("Save File Info"));
+    auto titleToolTips = [this] {
+        toolTipsAction->setText(m_preferences->showToolTipsFlag ? QStringLiteral("Hide Tool Tips") : QStringLiteral("Show Tool Tips"));
+    };
+    titleToolTips();
+    connect(m_preferences, &MCPreferences::toolTipsChanged, this, titleToolTips);
+    connect(queuePanel, &QDockWidget::visibilityChanged, queueButton, &QPushButton::setChecked);
+    connect(queueButton, &QPushButton::clicked, queuePanel, &QWidget::setVisible);
+}
+
+void MCMainWindow::bindToolTips()
+{
+    const QList<QPair<QWidget *, const char *>> named{
+        {vidBitRateField, "ttVidBitRateField"},
+        {resWidthField, "ttResWidthField"},
+        {audioBitRatePopUp, "ttAudioBitRateButton"},
+        {convertButton, "ttConvertButton"},
+        {fpsCombo, "ttFPSCombo"},
+        {addStereoCheckBox, "ttAddStereoCheckBox"},
+        {devicePopUp, "ttDevicePopUp"},
+        {audioTrackPopUp, "ttMultipleAudioTrackPopUp"},
+        {startTrackEditButton, "ttStartTrackEditButton"},
+        {parWidth, "ttEditPAR"},
+        {parHeight, "ttEditPAR"},
+        {splitStartTime, "ttSplitStartTime"},
+        {splitEndTime, "ttSplitEndTime"},
+        {splitSize, "ttSplitSize"},
+        {splitNumber, "ttSplitNumber"},
+        {fileTextField, "ttConvertFileField"},
+        {trackTable, "ttConvertTrackTable"},
+        {playButton, "ttPlayButton"},
+        {addButton, "ttAddButton"},
+        {addTracksButton, "ttAddButton"},
+        {toggleVideoButton, "ttToggleVideoButton"},
+        {toggleAudioButton, "ttToggleAudioButton"},
+        {toggleSubtitleButton, "ttToggleSubtitleButton"},
+        {presetSettingsPopUp, "ttPresetSettingsPopUp"},
+        {presetSelectionsPopUp, "ttPresetSelectionsPopUp"},
+        {watchButton, "ttStartWatchingFolderButton"},
+    };
+    for (const auto &[widget, name] : named)
+        toolTips->bind(widget, QString::fromLatin1(name));
+    const QList<QPair<QButtonGroup *, const char *>> groups{
+        {videoMatrix, "ttTheVideoMatrix"},
+        {audioMatrix, "ttTheAudioMatrix"},
+        {subtitleMatrix, "ttTheSubtitleMatrix"},
+        {editTrackMatrix, "ttEditTrackMatrix"},
+    };
+    for (const auto &[group, name] : groups) {
+        for (QAbstractButton *button : group->buttons())
+            toolTips->bind(button, QString::fromLatin1(name));
+    }
+}
+
+void MCMainWindow::setColorName(QWidget *widget, const QString &name)
+{
+    QPalette palette = widget->palette();
+    const QColor color = name.compare(QLatin1String("red"), Qt::CaseInsensitive) == 0
+                             ? QColor(Qt::red)
+                             : widget->style()->standardPalette().color(QPalette::WindowText);
+    palette.setColor(QPalette::WindowText, color);
+    palette.setColor(QPalette::ButtonText, color);
+    palette.setColor(QPalette::Text, color);
+    widget->setPalette(palette);
+}
+
+void MCMainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_closeApproved || !askToClose) {
+        event->accept();
+        return;
+    }
+    event->ignore();
+    askToClose([this](bool quit) {
+        if (!quit)
+            return;
+        m_closeApproved = true;
+        close();
+    });
+}

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <QMainWindow>
+
+#include <functional>
+
+class MCDropTableView;
+class MCPreferences;
+class MCPreferencesController;
+class MCQueueController;
+class MCQueuePanel;
+class MCToolTipBinder;
+class MCTrackTableModel;
+class QAction;
+class QButtonGroup;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QStackedWidget;
+class QStringListModel;
+class QTabWidget;
+
+// The main window's controls: status line, track and file tables, the
+// three tabs with their option groups, the preset pop-ups, the queue panel
+// and the menus. What the controls do is wired by MCWindowBinding.
+class MCMainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    MCMainWindow(MCPreferences *preferences, MCQueueController *queue, QWidget *parent = nullptr);
+
+    static const QStringList &tabNames(); // "AVI", "Edit Files", "Edit Tracks"
+
+    // Status line above the tables.
+    QLabel *fileTextField;
+    MCDropTableView *trackTable;
+    MCTrackTableModel *trackModel;
+    MCDropTableView *fileTable;
+    QStringListModel *fileModel;
+    QStackedWidget *tableStack;
+    QPushButton *toggleVideoButton, *toggleAudioButton, *toggleSubtitleButton;
+    QWidget *trackToggles;
+
+    QComboBox *presetSelectionsPopUp, *presetSettingsPopUp;
+    QPushButton *editSelectionsButton, *editSettingsButton;
+
+    QTabWidget *tabs;
+    // AVI tab
+    QButtonGroup *videoMatrix, *audioMatrix, *subtitleMatrix;
+    QLineEdit *vidBitRateField, *resWidthField;
+    QComboBox *fpsCombo, *devicePopUp, *audioTrackPopUp, *audioBitRatePopUp;
+    QLabel *audioTrackLabel;
+    QCheckBox *addStereoCheckBox;
+    QPushButton *convertButton;
+    // Edit Files tab
+    QPushButton *joinButton, *splitButton, *remuxButton;
+    QButtonGroup *splitTypeMatrix;
+    QLineEdit *splitStartTime, *splitEndTime, *splitSize, *splitNumber, *parWidth, *parHeight;
+    // Edit Tracks tab
+    QButtonGroup *editTrackMatrix;
+    QLabel *editTrackLabel;
+    QPushButton *addTracksButton, *startTrackEditButton;
+
+    QPushButton *openButton, *addButton, *playButton, *watchButton, *queueButton;
+
+    QAction *openAction, *addAction, *quitAction, *preferencesAction, *showQueueAction;
+    QAction *onlineGuideAction, *troubleshootingAction, *toolTipsAction, *saveFileInfoAction;
+
+    MCQueuePanel *queuePanel;
+    MCPreferencesController *preferencesPanel;
+    MCToolTipBinder *toolTips;
+
+    // Asked when the window is closed; reply(true) lets it close.
+    std::function<void(std::function<void(bool)>)> askToClose;
+
+    // Sets a field's text colour from the rules' colour names ("black", "red").
+    static void setColorName(QWidget *widget, const QString &name);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    QWidget *buildTopBar();
+    QWidget *buildTables();
+    QWidget *buildAviTab();
+    QWidget *buildEditFilesTab();
+    QWidget *buildEditTracksTab();
+    void buildMenus();
+    void bindToolTips();
+
+    MCPreferences *m_preferences;
+    bool m_closeApproved = false;
+};
