@@ -4,6 +4,7 @@
 #include "MCGuiAlertPresenter.h"
 #include "MCJob.h"
 #include "MCJobTypes.h"
+#include "MCMoviePlayer.h"
 #include "MCMainWindow.h"
 #include "MCPreferences.h"
 #include "MCQueueController.h"
@@ -117,6 +118,7 @@ void MCGuiApplication::wireWindow()
         m_preferences->setShowToolTipsFlag(!m_preferences->showToolTipsFlag);
         m_preferences->modifyToolTips();
     });
+    connect(w->playButton, &QPushButton::clicked, this, &MCGuiApplication::playMovie);
     w->askToClose = [this](std::function<void(bool)> reply) { applicationShouldTerminate(reply); };
     // The window's start commands need the selection rules; until they are
     // bound, only what the loaded file allows is offered.
@@ -246,4 +248,24 @@ void MCGuiApplication::startScreenshotTour()
     };
     auto *tour = new MCScreenshotTour(stops, this);
     tour->start();
+}
+
+void MCGuiApplication::playMovie()
+{
+    if (!m_videoFile)
+        return;
+    auto selection = std::make_shared<MCSelection>();
+    selection->initialize();
+    selection->initializeFrom(*m_videoFile);
+    selection->trackList.clear();
+    int subtitles = 0;
+    for (const MCVideoTrackPtr &track : std::as_const(m_videoFile->trackList)) {
+        if (!track->trackSelected)
+            continue;
+        selection->trackList << track;
+        if (track->trackType.contains(QLatin1String("Subtitle")))
+            ++subtitles;
+    }
+    selection->subCount = QString::number(subtitles);
+    MCMoviePlayer().playMovie(selection);
 }

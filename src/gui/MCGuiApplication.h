@@ -34,6 +34,8 @@ public:
     // Quit: a running job is paused and the user asked.
     void applicationShouldTerminate(const std::function<void(bool)> &reply);
     void startScreenshotTour();
+    // Plays the ticked tracks of the loaded file in mplayer.
+    void playMovie();
 
     // Window geometry, tab and queue panel into the preferences' dictionary.
     void createGuiSettingsDictionary();
