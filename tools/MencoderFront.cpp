@@ -1,0 +1,212 @@
+#include "MencoderFront.h"
+
+#include "AudioEncoder.h"
+#include "MencoderCommand.h"
+#include "OutputFile.h"
+#include "ToolError.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+namespace mediatool {
+namespace {
+
+constexpr const char *kRealMencoder = "/usr/bin/mencoder";
+
+std::string resolved(const char *path)
+{
+    char buffer[PATH_MAX];
+    return realpath(path, buffer) ? std::string(buffer) : std::string();
+}
+
+[[noreturn]] void becomeRealMencoder(const std::vector<std::string> &arguments)
+{
+    const std::string real = resolved(kRealMencoder);
+    if (real.empty() || access(real.c_str(), X_OK) != 0)
+        throw ToolError(std::string("MEncoder is not installed (") + kRealMencoder + ")");
+    if (real == resolved("/proc/self/exe"))
+        throw ToolError(std::string(kRealMencoder) + " leads back to this front, not to MEncoder");
+    std::vector<char *> argv;
+    argv.push_back(const_cast<char *>("mencoder"));
+    for (const std::string &argument : arguments)
+        argv.push_back(const_cast<char *>(argument.c_str()));
+    argv.push_back(nullptr);
+    std::fflush(stdout);
+    std::fflush(stderr);
+    execv(kRealMencoder, argv.data());
+    throw ToolError(std::string("cannot start ") + kRealMencoder + ": " + std::strerror(errno));
+}
+
+bool isContainer(const AVFormatContext *input, std::initializer_list<const char *> names)
+{
+    for (const char *name : names) {
+        if (std::strstr(input->iformat->name, name))
+            return true;
+    }
+    return false;
+}
+
+int nthAudioStream(const AVFormatContext *input, int wanted)
+{
+    int seen = 0;
+    for (unsigned i = 0; i < input->nb_streams; ++i) {
+        if (input->streams[i]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO && seen++ == wanted)
+            return static_cast<int>(i);
+    }
+    return -1;
+}
+
+// The stream MEncoder's -aid N names. Its demuxers number streams
+// differently: AVI and FLV by stream number, Matroska, MP4/MOV and Ogg by
+// audio track (0 = the first), ASF, MPEG-PS and MPEG-TS by the stream's own
+// id (PS sub-stream, TS PID). Elsewhere the stream's id is tried, then the
+// Nth audio track.
+int streamForAudioId(const AVFormatContext *input, int id)
+{
+    auto isAudio = [input](int index) {
+        return index >= 0 && index < static_cast<int>(input->nb_streams)
+               && input->streams[index]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
+    };
+    if (isContainer(input, {"avi", "flv"}))
+        return isAudio(id) ? id : -1;
+    if (isContainer(input, {"matroska", "mov", "ogg"}))
+        return nthAudioStream(input, id);
+    for (unsigned i = 0; i < input->nb_streams; ++i) {
+        if (input->streams[i]->id == id && isAudio(static_cast<int>(i)))
+            return static_cast<int>(i);
+    }
+    return nthAudioStream(input, id);
+}
+
+struct ChosenAudio
+{
+    InputPtr file;
+    AudioSource source;
+};
+
+ChosenAudio chooseAudio(const MencoderCommand &command)
+{
+    const bool external = !command.audioFile.empty();
+    ChosenAudio chosen;
+    chosen.file = openMediaFile(external ? command.audioFile : command.input);
+    AVFormatContext *file = chosen.file.get();
+    const std::string &path = external ? command.audioFile : command.input;
+    const int stream = command.audioId ? streamForAudioId(file, *command.audioId)
+                                       : av_find_best_stream(file, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    if (stream < 0)
+        throw ToolError(command.audioId ? path + " has no audio stream with -aid " + std::to_string(*command.audioId)
+                                        : path + " holds no audio");
+    chosen.source.input = file;
+    chosen.source.stream = stream;
+
+    // Audio from the video's own file keeps its place against the video; an
+    // audio file is taken to start with the video, as MEncoder takes it.
+    if (!external) {
+        const int video = av_find_best_stream(file, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+        if (video >= 0) {
+            const AVStream *videoStream = file->streams[video];
+            const AVStream *audioStream = file->streams[stream];
+            if (videoStream->start_time != AV_NOPTS_VALUE && audioStream->start_time != AV_NOPTS_VALUE)
+                chosen.source.offsetUs = toMicroseconds(audioStream->start_time, audioStream->time_base)
+                                         - toMicroseconds(videoStream->start_time, videoStream->time_base);
+            chosen.source.framesPerSecond = av_q2d(videoStream->avg_frame_rate);
+        }
+    }
+    return chosen;
+}
+
+AudioEncoding encodingOf(const MencoderCommand &command)
+{
+    AudioEncoding encoding;
+    encoding.encoder = command.encoder;
+    encoding.bitRate = command.bitRate;
+    encoding.decodedChannels = command.channels;
+    encoding.sampleRate = command.sampleRate;
+    encoding.pan = command.pan;
+    encoding.profile = command.aacProfile;
+    return encoding;
+}
+
+// The elementary-stream format for -of rawaudio.
+std::string rawFormatFor(const std::string &encoder)
+{
+    if (encoder == "aac")
+        return "adts";
+    if (encoder == "ac3" || encoder == "eac3" || encoder == "mp2")
+        return encoder;
+    if (encoder == "libmp3lame")
+        return "mp3";
+    throw UsageError("-of rawaudio cannot hold " + encoder + " audio");
+}
+
+struct MuxerFreer { void operator()(AVFormatContext *context) const { avformat_free_context(context); } };
+using MuxerPtr = std::unique_ptr<AVFormatContext, MuxerFreer>;
+
+MuxerPtr newMuxer(const std::string &format, OutputFile &file)
+{
+    AVFormatContext *raw = nullptr;
+    checkAv(avformat_alloc_output_context2(&raw, nullptr, format.c_str(), nullptr), "cannot write " + format);
+    raw->pb = file.io();
+    raw->flags |= AVFMT_FLAG_CUSTOM_IO;
+    return MuxerPtr(raw);
+}
+
+int writeRawAudio(const MencoderCommand &command, AudioEncoder &encoder)
+{
+    OutputFile file = OutputFile::forResult(command.output);
+    MuxerPtr muxer = newMuxer(rawFormatFor(command.encoder), file);
+    encoder.encodeInto(muxer.get());
+    file.commit();
+    std::printf("Audio stream: %s\nmencoder front: wrote %s\n", encoder.summary().c_str(), command.output.c_str());
+    return 0;
+}
+
+[[noreturn]] void encodeThenRunMencoder(const MencoderCommand &command, AudioEncoder &encoder)
+{
+    // The encoded audio goes into an audio-only AVI: MEncoder reads AC-3 from
+    // it with the right timing, while a bare .ac3 file makes it drop frames.
+    OutputFile file = OutputFile::scratch(folderOf(command.output));
+    MuxerPtr muxer = newMuxer("avi", file);
+    encoder.encodeInto(muxer.get());
+    muxer.reset();
+    const std::string handle = file.handOverAcrossExec();
+    const std::vector<std::string> arguments = command.withEncodedAudio(handle);
+    std::printf("mencoder front: audio encoded (%s); running MEncoder with it:\nmencoder", encoder.summary().c_str());
+    for (const std::string &argument : arguments)
+        std::printf(" %s", argument.c_str());
+    std::printf("\n");
+    becomeRealMencoder(arguments);
+}
+
+} // namespace
+
+int runMencoderFront(const std::string &name, const std::vector<std::string> &arguments)
+{
+    const std::string codec = audioCodecOf(arguments);
+    if (codec != "lavc" && codec != "faac")
+        becomeRealMencoder(arguments);
+    const MencoderCommand command = parseMencoderCommand(arguments);
+    if (!command.needsFront())
+        becomeRealMencoder(arguments);
+    if (command.input.empty())
+        throw UsageError("no input file");
+    if (command.output.empty())
+        throw UsageError("no output file (-o)");
+    if (isSameFile(command.output, command.input) || isSameFile(command.output, command.audioFile))
+        throw ToolError("the output " + command.output + " is one of the inputs; choose another -o name");
+
+    ChosenAudio audio = chooseAudio(command);
+    AudioEncoder encoder(audio.source, encodingOf(command));
+    std::printf("%s front: encoding audio stream %d of %s to %s\n", name.c_str(), audio.source.stream,
+                pathOf(audio.file.get()).c_str(), encoder.summary().c_str());
+    std::fflush(stdout);
+    if (command.wantsRawAudio())
+        return writeRawAudio(command, encoder);
+    encodeThenRunMencoder(command, encoder);
+}
+
+} // namespace mediatool

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace mediatool {
+
+// The mencoder (and mencodernew) front. Debian's MEncoder cannot encode
+// audio with "-oac lavc" (no codec accepts its channel layout) nor with
+// "-oac faac" (not built in). For those command lines the front encodes
+// the audio itself with FFmpeg's encoders, honouring -channels, -af pan,
+// -srate, the bit rate and -aid or -audiofile, then:
+//   - with "-of rawaudio" it writes the elementary stream to -o and ends;
+//   - otherwise it keeps the encoded audio in an unnamed file beside the
+//     output and replaces itself (execv, same process number) by the real
+//     MEncoder with "-audiofile /proc/self/fd/N -oac copy" instead of the
+//     audio options. The unnamed file disappears when MEncoder ends.
+// Every other command line goes to the real MEncoder untouched.
+int runMencoderFront(const std::string &name, const std::vector<std::string> &arguments);
+
+} // namespace mediatool
