@@ -2,15 +2,24 @@
 
 namespace MCMediaInfoReport {
 
-SectionKind headerKind(const QString &line)
+namespace {
+const QString kSeparator = QStringLiteral(": ");
+}
+
+SectionKind headerKind(QStringView line)
 {
-    if (line.compare(QStringLiteral("Video"), Qt::CaseInsensitive) == 0)
+    if (line.compare(u"Video", Qt::CaseInsensitive) == 0)
         return SectionKind::Video;
-    if (line.startsWith(QStringLiteral("Audio #")) || line.compare(QStringLiteral("Audio"), Qt::CaseInsensitive) == 0)
+    if (line.startsWith(u"Audio #") || line.compare(u"Audio", Qt::CaseInsensitive) == 0)
         return SectionKind::Audio;
-    if (line.startsWith(QStringLiteral("Text #")) || line.compare(QStringLiteral("Text"), Qt::CaseInsensitive) == 0)
+    if (line.startsWith(u"Text #") || line.compare(u"Text", Qt::CaseInsensitive) == 0)
         return SectionKind::Text;
     return SectionKind::None;
+}
+
+bool isSectionTitle(QStringView line)
+{
+    return !line.trimmed().isEmpty() && !line.contains(kSeparator);
 }
 
 QList<Header> headers(const QStringList &lines)
@@ -24,26 +33,27 @@ QList<Header> headers(const QStringList &lines)
     return found;
 }
 
-KeyValue keyValue(const QString &line)
+KeyValue keyValue(QStringView line)
 {
-    const qsizetype first = line.indexOf(QStringLiteral(": "));
+    const qsizetype first = line.indexOf(kSeparator);
     if (first < 0)
         return {line, {}, false};
-    const qsizetype second = line.indexOf(QStringLiteral(": "), first + 2);
-    const QString value = second < 0 ? line.mid(first + 2) : line.mid(first + 2, second - first - 2);
+    const qsizetype second = line.indexOf(kSeparator, first + 2);
+    const QStringView value = second < 0 ? line.mid(first + 2) : line.mid(first + 2, second - first - 2);
     return {line.left(first), value, true};
 }
 
-qint64 leadingInteger(const QString &text)
+qint64 leadingInteger(QStringView text)
 {
     qsizetype i = 0;
     while (i < text.size() && text.at(i).isSpace())
         ++i;
     bool negative = false;
-    if (i < text.size() && (text.at(i) == QLatin1Char('-') || text.at(i) == QLatin1Char('+')))
-        negative = text.at(i++) == QLatin1Char('-');
+    if (i < text.size() && (text.at(i) == u'-' || text.at(i) == u'+'))
+        negative = text.at(i++) == u'-';
     qint64 value = 0;
-    for (; i < text.size() && text.at(i).isDigit() && value < (qint64(1) << 58); ++i)
+    // Digits past 18 would overflow; such an identifier means nothing anyway.
+    for (int digits = 0; i < text.size() && text.at(i).isDigit() && digits < 18; ++i, ++digits)
         value = value * 10 + text.at(i).digitValue();
     return negative ? -value : value;
 }

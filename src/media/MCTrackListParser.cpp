@@ -12,51 +12,76 @@ const QString kVideo = QStringLiteral("Video");
 const QString kAudio = QStringLiteral("Audio");
 const QString kSubtitle = QStringLiteral("Subtitle");
 
-qint64 integerOf(const QString &text)
+qint64 integerOf(QStringView text)
 {
     return MCMediaInfoReport::leadingInteger(text);
 }
 
-// Three-letter codes are skipped, except the four language names of three letters.
-bool isLanguageName(const QString &value)
+// Short values are language codes and are skipped, except the four language
+// names of three letters.
+bool isLanguageName(QStringView value)
 {
     if (value.size() >= 4)
         return true;
-    for (const char *name : {"Ewe", "Ido", "Lao", "Twi"}) {
-        if (value.startsWith(QLatin1String(name)))
+    for (const char16_t *name : {u"Ewe", u"Ido", u"Lao", u"Twi"}) {
+        if (value.startsWith(QStringView(name)))
             return true;
     }
     return false;
 }
 
-bool isRawNumber(const QString &value)
+// mediainfo prints each number raw and then formatted ("128000", then
+// "128 kb/s"; "6", then "6 channels" or "1 channel"); only the raw one counts.
+bool isRawNumber(QStringView value)
 {
     bool ok = false;
-    value.trimmed().toLongLong(&ok);
+    [[maybe_unused]] const qint64 number = value.trimmed().toLongLong(&ok);
     return ok;
+}
+
+bool isFormattedBitRate(QStringView value)
+{
+    return value.endsWith(u"ps") || value.endsWith(u"b/s");
+}
+
+// The name and folder fields every track of one file shares.
+MCVideoTrack fileFieldsFor(const QUrl &url)
+{
+    MCVideoTrack track;
+    const QFileInfo info(url.toLocalFile());
+    track.trackFilePath = url.toLocalFile();
+    track.trackFileExtension = info.suffix();
+    track.trackFileName = info.fileName();
+    const qsizetype at = track.trackFilePath.indexOf(track.trackFileName);
+    track.trackPathToFileFolder = at < 0 ? track.trackFilePath : track.trackFilePath.left(at);
+    track.trackFileURL = url;
+    track.trackURLToFileFolder = QUrl::fromLocalFile(track.trackPathToFileFolder);
+    return track;
 }
 
 } // namespace
 
-MCTrackListParser::MCTrackListParser(const MCCodecTable &video, const MCCodecTable &audio, const MCCodecTable &subtitle)
-    : m_video(video)
-    , m_audio(audio)
-    , m_subtitle(subtitle)
+MCTrackListParser::MCTrackListParser(const MCVideoFile &file)
 {
+    const auto prepare = [](const QList<QStringList> &codecs, const QStringList &names, const QStringList &extensions) {
+        Table table{{}, names, extensions};
+        for (const QStringList &patterns : codecs) {
+            QStringList lowered;
+            for (const QString &pattern : patterns)
+                lowered.append(pattern.toLower());
+            table.patterns.append(lowered);
+        }
+        return table;
+    };
+    m_video = prepare(file.videoCodecList, file.videoInfoList, file.videoExtList);
+    m_audio = prepare(file.audioCodecList, file.audioInfoList, file.audioExtList);
+    m_subtitle = prepare(file.subtitleCodecList, file.subtitleInfoList, file.subtitleExtList);
 }
 
 MCVideoTrackPtr MCTrackListParser::externalSubtitleTrack(const QUrl &url)
 {
-    auto track = std::make_shared<MCVideoTrack>();
-    const QFileInfo info(url.toLocalFile());
-    track->trackFilePath = url.toLocalFile();
-    track->trackFileExtension = info.suffix();
-    track->trackFileName = info.fileName();
-    const qsizetype at = track->trackFilePath.indexOf(track->trackFileName);
-    track->trackPathToFileFolder = at < 0 ? track->trackFilePath : track->trackFilePath.left(at);
-    track->trackFileURL = url;
-    track->trackURLToFileFolder = QUrl::fromLocalFile(track->trackPathToFileFolder);
-    track->trackCodec = info.suffix().toLower();
+    auto track = std::make_shared<MCVideoTrack>(fileFieldsFor(url));
+    track->trackCodec = track->trackFileExtension.toLower();
     track->trackExtension = track->trackCodec;
     track->trackLanguage = QStringLiteral("undetermined");
     track->trackType = QStringLiteral("External Subtitle");
@@ -74,20 +99,20 @@ MCTrackListResult MCTrackListParser::parse(const QStringList &lines, const QUrl 
     // A subtitle file is always given whole, even when mediainfo reports a
     // Text section for it.
     if (MCVideoFile::subtitleFileExtensions().contains(extension))
-        return {{externalSubtitleTrack(url)}, {}};
+        return finalPass({externalSubtitleTrack(url)});
 
     const auto headers = MCMediaInfoReport::headers(lines);
     if (headers.isEmpty())
         return {{}, QStringLiteral("not a video")};
 
+    const MCVideoTrack fileFields = fileFieldsFor(url);
     MCTrackList tracks;
-    tracks.reserve(200);
+    tracks.reserve(std::max<qsizetype>(200, headers.size()));
     int videoIndex = 0;
     int audioIndex = 0;
     int subtitleIndex = 0;
     for (qsizetype p = 0; p < headers.size(); ++p) {
-        auto track = std::make_shared<MCVideoTrack>();
-        setFileFields(*track, url);
+        auto track = std::make_shared<MCVideoTrack>(fileFields);
         switch (headers.at(p).kind) {
         case SectionKind::Video:
             track->trackType = kVideo;
@@ -111,56 +136,45 @@ MCTrackListResult MCTrackListParser::parse(const QStringList &lines, const QUrl 
         finishIdentifiers(*track, headers.size());
         tracks.append(track);
     }
-    return finalPass(tracks);
+    return finalPass(std::move(tracks));
 }
 
-void MCTrackListParser::setFileFields(MCVideoTrack &track, const QUrl &url) const
-{
-    const QFileInfo info(url.toLocalFile());
-    track.trackFilePath = url.toLocalFile();
-    track.trackFileExtension = info.suffix();
-    track.trackFileName = info.fileName();
-    const qsizetype at = track.trackFilePath.indexOf(track.trackFileName);
-    track.trackPathToFileFolder = at < 0 ? track.trackFilePath : track.trackFilePath.left(at);
-    track.trackFileURL = url;
-    track.trackURLToFileFolder = QUrl::fromLocalFile(track.trackPathToFileFolder);
-}
-
-void MCTrackListParser::readSectionLine(MCVideoTrack &track, const QString &line, qsizetype position) const
+void MCTrackListParser::readSectionLine(MCVideoTrack &track, QStringView line, qsizetype position) const
 {
     const auto [key, value, valid] = MCMediaInfoReport::keyValue(line);
     if (!valid)
         return;
-    if (key.startsWith(QStringLiteral("Title"))) {
-        track.trackTitle = value;
-    } else if (key.startsWith(QStringLiteral("Language"))) {
+    if (key.startsWith(u"Title")) {
+        track.trackTitle = value.toString();
+    } else if (key.startsWith(u"Language")) {
         if (isLanguageName(value))
-            track.trackLanguage = value;
-    } else if (key.startsWith(QStringLiteral("Bit rate  ")) || key.startsWith(QStringLiteral("Nominal bit rate  "))) {
-        if (track.trackBitRate == QStringLiteral("0") && !value.endsWith(QStringLiteral("ps")))
+            track.trackLanguage = value.toString();
+    } else if (key.startsWith(u"Bit rate  ") || key.startsWith(u"Nominal bit rate  ")) {
+        // The first raw bit rate wins.
+        if (track.trackBitRate == u"0" && !isFormattedBitRate(value))
             track.trackBitRate = QString::number(integerOf(value) / 1000);
-    } else if (key.startsWith(QStringLiteral("Channel(s)"))) {
-        // Only the raw count: the formatted one ends in "channels" (or "channel").
-        if (!value.endsWith(QStringLiteral("channels")) && isRawNumber(value))
-            track.trackNumberOfChannels = value.trimmed();
-    } else if (key.startsWith(QStringLiteral("Codec  "))) {
+    } else if (key.startsWith(u"Channel(s)")) {
+        if (!value.endsWith(u"channels") && isRawNumber(value))
+            track.trackNumberOfChannels = value.trimmed().toString();
+    } else if (key.startsWith(u"Codec  ")) {
         classify(track, value);
-    } else if (key.startsWith(QStringLiteral("ID   "))) {
+    } else if (key.startsWith(u"ID   ")) {
         number(track, value, position);
     }
 }
 
-void MCTrackListParser::classify(MCVideoTrack &track, const QString &value) const
+void MCTrackListParser::classify(MCVideoTrack &track, QStringView value) const
 {
-    const MCCodecTable &table = track.trackType == kVideo ? m_video : track.trackType == kAudio ? m_audio : m_subtitle;
-    const QString lowered = value.toLower();
-    for (qsizetype i = 0; i < table.codecList.size(); ++i) {
-        for (const QString &pattern : table.codecList.at(i)) {
-            if (!lowered.contains(pattern.toLower()))
+    const Table &table = track.trackType == kVideo ? m_video : track.trackType == kAudio ? m_audio : m_subtitle;
+    const QString lowered = value.toString().toLower();
+    for (qsizetype i = 0; i < table.patterns.size(); ++i) {
+        for (const QString &pattern : table.patterns.at(i)) {
+            if (!lowered.contains(pattern))
                 continue;
             // No early stop: a later class that also matches wins.
-            track.trackCodec = table.infoList.at(i);
-            track.trackExtension = table.extList.at(i);
+            track.trackCodec = table.names.at(i);
+            track.trackExtension = table.extensions.at(i);
+            // Audio info is closed later, with the channel count.
             track.trackInfo = track.trackType + QStringLiteral(": (") + track.trackCodec;
             if (track.trackType != kAudio)
                 track.trackInfo += QLatin1Char(')');
@@ -168,23 +182,26 @@ void MCTrackListParser::classify(MCVideoTrack &track, const QString &value) cons
     }
 }
 
-void MCTrackListParser::number(MCVideoTrack &track, const QString &value, qsizetype position) const
+void MCTrackListParser::number(MCVideoTrack &track, QStringView value, qsizetype position) const
 {
     const QString extension = track.trackFileExtension.toLower();
-    if (extension == QStringLiteral("avi"))
+    // mediainfo counts AVI streams from 0, MP4Box from 1; transport-stream
+    // identifiers are packet ids, so those streams go by position.
+    if (extension == u"avi")
         track.trackMp4boxID = QString::number(integerOf(value) + 1);
-    else if (extension == QStringLiteral("mts") || extension == QStringLiteral("ts"))
+    else if (extension == u"mts" || extension == u"ts")
         track.trackMp4boxID = QString::number(position + 1);
     else
-        track.trackMp4boxID = value;
+        track.trackMp4boxID = value.toString();
     const qint64 id = integerOf(track.trackMp4boxID);
     if (id == 0 || id >= 701)
         track.trackMp4boxID = QString::number(position + 1);
     track.trackFfmpegID = QString::number(integerOf(track.trackMp4boxID) - 1);
 }
 
-void MCTrackListParser::finishIdentifiers(MCVideoTrack &track, qsizetype headerCount) const
+void MCTrackListParser::finishIdentifiers(MCVideoTrack &track, qsizetype headerCount)
 {
+    // A file of one stream is addressed as stream 0 whatever its id says.
     if (headerCount == 1)
         track.trackFfmpegID = QStringLiteral("0");
     track.trackMkvmergeID = headerCount == 1 ? QStringLiteral("0") : QString::number(integerOf(track.trackMp4boxID) - 1);
@@ -192,29 +209,27 @@ void MCTrackListParser::finishIdentifiers(MCVideoTrack &track, qsizetype headerC
     const QString extension = track.trackFileExtension.toLower();
     const qint64 typeIndex = integerOf(track.trackIndex);
     qint64 mencoderID = typeIndex;
-    if (QStringList{QStringLiteral("mkv"), QStringLiteral("ogm"), QStringLiteral("mp4"), QStringLiteral("m4v"), QStringLiteral("mov")}.contains(extension))
+    if (extension == u"mkv" || extension == u"ogm" || extension == u"mp4" || extension == u"m4v" || extension == u"mov")
         mencoderID = typeIndex - 1;
-    else if (extension == QStringLiteral("avi") || extension == QStringLiteral("flv"))
+    else if (extension == u"avi" || extension == u"flv")
         mencoderID = integerOf(track.trackMp4boxID) - 1;
-    else if (extension == QStringLiteral("wmv"))
+    else if (extension == u"wmv")
         mencoderID = integerOf(track.trackMp4boxID);
     track.trackMencoderID = QString::number(mencoderID);
 }
 
-MCTrackListResult MCTrackListParser::finalPass(MCTrackList tracks) const
+MCTrackListResult MCTrackListParser::finalPass(MCTrackList tracks)
 {
-    MCTrackList unidentifiedSubtitles;
     for (const MCVideoTrackPtr &track : std::as_const(tracks)) {
-        if (track->trackCodec.startsWith(QStringLiteral("none"))) {
-            if (track->trackType != kSubtitle)
-                return {{}, QStringLiteral("track not identified")};
-            unidentifiedSubtitles.append(track);
-        }
-        if (track->trackTitle.startsWith(QStringLiteral("none")))
+        // An unknown video or audio codec makes the file unusable; an
+        // unknown subtitle is only left out.
+        if (track->trackCodec.startsWith(u"none") && track->trackType != kSubtitle)
+            return {{}, QStringLiteral("track not identified")};
+        if (track->trackTitle.startsWith(u"none"))
             track->trackTitle = QStringLiteral("%1 Track").arg(track->trackType);
         if (track->trackType == kAudio)
             track->trackInfo = QStringLiteral("%1 %2ch.)").arg(track->trackInfo, track->trackNumberOfChannels);
     }
-    tracks.removeIf([&](const MCVideoTrackPtr &track) { return unidentifiedSubtitles.contains(track); });
-    return {tracks, {}};
+    tracks.removeIf([](const MCVideoTrackPtr &track) { return track->trackCodec.startsWith(u"none"); });
+    return {std::move(tracks), {}};
 }

@@ -2,12 +2,15 @@
 
 #include "MCVideoFile.h"
 
+#include <QStringView>
+
 // Builds a file's track list from mediainfo's full report: one track per
-// section header, classified with the codec tables and numbered for each tool.
+// section header, classified with the file's codec tables and numbered for
+// each tool.
 class MCTrackListParser
 {
 public:
-    MCTrackListParser(const MCCodecTable &video, const MCCodecTable &audio, const MCCodecTable &subtitle);
+    explicit MCTrackListParser(const MCVideoFile &file);
 
     MCTrackListResult parse(const QStringList &lines, const QUrl &url) const;
 
@@ -15,14 +18,20 @@ public:
     static MCVideoTrackPtr externalSubtitleTrack(const QUrl &url);
 
 private:
-    void setFileFields(MCVideoTrack &track, const QUrl &url) const;
-    void readSectionLine(MCVideoTrack &track, const QString &line, qsizetype position) const;
-    void classify(MCVideoTrack &track, const QString &value) const;
-    void number(MCVideoTrack &track, const QString &value, qsizetype position) const;
-    void finishIdentifiers(MCVideoTrack &track, qsizetype headerCount) const;
-    MCTrackListResult finalPass(MCTrackList tracks) const;
+    struct Table
+    {
+        QList<QStringList> patterns; // lower-cased once
+        QStringList names;
+        QStringList extensions;
+    };
 
-    const MCCodecTable &m_video;
-    const MCCodecTable &m_audio;
-    const MCCodecTable &m_subtitle;
+    void readSectionLine(MCVideoTrack &track, QStringView line, qsizetype position) const;
+    void classify(MCVideoTrack &track, QStringView value) const;
+    void number(MCVideoTrack &track, QStringView value, qsizetype position) const;
+    static void finishIdentifiers(MCVideoTrack &track, qsizetype headerCount);
+    static MCTrackListResult finalPass(MCTrackList tracks);
+
+    Table m_video;
+    Table m_audio;
+    Table m_subtitle;
 };

@@ -7,6 +7,7 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <future>
 
 using MCMediaInfoReport::SectionKind;
@@ -21,28 +22,58 @@ QString flagText(bool flag)
     return flag ? QStringLiteral("1") : QStringLiteral("0");
 }
 
+// Only readable, non-empty regular files are given to mediainfo: given a
+// folder it reports every file inside as if they were one, and a pipe or a
+// device would keep it reading for ever.
+bool isInspectable(const QUrl &url)
+{
+    const QString path = url.toLocalFile();
+    if (path.isEmpty())
+        return false;
+    const QFileInfo info(path);
+    return info.isFile() && info.isReadable() && info.size() > 0;
+}
+
+bool isMatroska(const QUrl &url)
+{
+    return QFileInfo(url.toLocalFile()).suffix().toLower().startsWith(QStringLiteral("mkv"));
+}
+
 QString folderOfPath(const QString &path, const QString &fileName)
 {
-    const qsizetype at = path.indexOf(fileName);
+    const qsizetype at = fileName.isEmpty() ? -1 : path.indexOf(fileName);
     return at < 0 ? path : path.left(at);
 }
 
 QString shortNameOf(const QString &fileName, const QString &lowerExtension)
 {
-    if (lowerExtension.isEmpty())
-        return fileName;
     const qsizetype at = fileName.indexOf(QLatin1Char('.') + lowerExtension);
     return at < 0 ? fileName : fileName.left(at);
 }
 
-void countHeader(SectionKind kind, int &video, int &audio, int &text)
+struct HeaderCounts
 {
-    if (kind == SectionKind::Video)
-        ++video;
-    else if (kind == SectionKind::Audio)
-        ++audio;
-    else if (kind == SectionKind::Text)
-        ++text;
+    int video = 0;
+    int audio = 0;
+    int text = 0;
+
+    void add(SectionKind kind)
+    {
+        if (kind == SectionKind::Video)
+            ++video;
+        else if (kind == SectionKind::Audio)
+            ++audio;
+        else if (kind == SectionKind::Text)
+            ++text;
+    }
+    int total() const { return video + audio + text; }
+};
+
+bool isRawDecimal(QStringView value)
+{
+    bool ok = false;
+    [[maybe_unused]] const double number = value.trimmed().toDouble(&ok);
+    return ok;
 }
 
 } // namespace
@@ -58,9 +89,18 @@ void MCVideoFile::initialize()
     mediainfoURL = QUrl::fromLocalFile(resources + QStringLiteral("/mediainfo"));
     mkvinfoURL = QUrl::fromLocalFile(resources + QStringLiteral("/mkvinfo"));
     setFileDefaultPropertyValues();
-    videoTable = MCCodecTables::video();
-    audioTable = MCCodecTables::audio();
-    subtitleTable = MCCodecTables::subtitle();
+    const MCCodecTable video = MCCodecTables::video();
+    videoCodecList = video.codecList;
+    videoInfoList = video.infoList;
+    videoExtList = video.extList;
+    const MCCodecTable audio = MCCodecTables::audio();
+    audioCodecList = audio.codecList;
+    audioInfoList = audio.infoList;
+    audioExtList = audio.extList;
+    const MCCodecTable subtitle = MCCodecTables::subtitle();
+    subtitleCodecList = subtitle.codecList;
+    subtitleInfoList = subtitle.infoList;
+    subtitleExtList = subtitle.extList;
 }
 
 void MCVideoFile::setFileDefaultPropertyValues()
@@ -100,11 +140,7 @@ const QStringList &MCVideoFile::subtitleFileExtensions()
 
 QStringList MCVideoFile::mediaInfoReportFor(const QUrl &url) const
 {
-    if (!m_reportURL.isEmpty() && url == m_reportURL)
-        return m_reportLines;
-    // Only regular files are inspected: mediainfo would list a folder's
-    // contents as if they were one file.
-    if (!QFileInfo(url.toLocalFile()).isFile())
+    if (!isInspectable(url))
         return {};
     const QString report = doShellScriptFor(mediainfoURL, {QStringLiteral("-f"), url});
     return report.isEmpty() ? QStringList() : MCMediaInfoReport::lines(report);
@@ -137,117 +173,122 @@ QString MCVideoFile::quickInitializeForURL(const QUrl &url)
 
 QString MCVideoFile::initializeForURL(const QUrl &url)
 {
-    // mkvinfo runs beside mediainfo, so a Matroska file costs one tool's time.
+    if (!isInspectable(url))
+        return QStringLiteral("not a video");
+    // mkvinfo runs beside mediainfo, so a Matroska file costs about one
+    // tool's time; mediainfo runs once for the tracks and the properties.
     std::future<bool> headerCheck;
-    if (QFileInfo(url.toLocalFile()).suffix().toLower().startsWith(QStringLiteral("mkv")))
+    if (isMatroska(url))
         headerCheck = std::async(std::launch::async, [this, url] { return checkForHeaderRemovalFor(url); });
-    m_reportURL = QUrl();
-    m_reportLines = mediaInfoReportFor(url);
-    m_reportURL = url;
-    m_headerRemovalAnswer = headerCheck.valid() ? std::optional<bool>(headerCheck.get()) : std::nullopt;
-    const MCTrackListResult result = makeTrackListFor(url);
-    if (!result.ok()) {
-        m_reportURL = QUrl();
-        m_headerRemovalAnswer.reset();
+    const QStringList lines = mediaInfoReportFor(url);
+    MCTrackListResult result = trackListFromReport(lines, url);
+    const bool headerRemoval = headerCheck.valid() && headerCheck.get();
+    if (!result.ok())
         return result.failure;
-    }
+
     setFileDefaultPropertyValues();
-    setFilePropertiesFor(url);
-    m_reportURL = QUrl();
-    m_reportLines.clear();
-    trackList = result.tracks;
+    setNameFieldsFor(url);
+    filePropertiesFromReport(lines);
+    headerRemovalFlag = headerRemoval;
+    trackList = std::move(result.tracks);
+    takeVideoTrackProperties();
+    return QStringLiteral("OK");
+}
+
+void MCVideoFile::takeVideoTrackProperties()
+{
+    // The last video track wins.
     for (const MCVideoTrackPtr &track : std::as_const(trackList)) {
         if (track->trackType == QStringLiteral("Video")) {
             theVideoBitRate = track->trackBitRate;
             theVideoCodec = track->trackCodec;
         }
     }
-    return QStringLiteral("OK");
 }
 
 void MCVideoFile::setFilePropertiesFor(const QUrl &url)
 {
     setNameFieldsFor(url);
     filePropertiesFromReport(mediaInfoReportFor(url));
-    if (!theFileExtension.startsWith(QStringLiteral("mkv")))
-        headerRemovalFlag = false;
-    else
-        headerRemovalFlag = m_headerRemovalAnswer ? *m_headerRemovalAnswer : checkForHeaderRemovalFor(url);
-    m_headerRemovalAnswer.reset();
+    headerRemovalFlag = theFileExtension.startsWith(QStringLiteral("mkv")) && checkForHeaderRemovalFor(url);
 }
 
 void MCVideoFile::filePropertiesFromReport(const QStringList &lines)
 {
-    int video = 0;
-    int audio = 0;
-    int text = 0;
-    // Today's mediainfo also prints a frame rate for audio and text streams;
-    // the file's rate is read from the General and Video sections only.
-    bool inFrameRateSection = true;
+    HeaderCounts counts;
+    // Today's mediainfo prints a frame rate for audio and text streams too;
+    // the file's rate comes from the General and Video sections only.
+    bool frameRateSection = true;
     for (const QString &line : lines) {
         const SectionKind kind = MCMediaInfoReport::headerKind(line);
         if (kind != SectionKind::None) {
-            countHeader(kind, video, audio, text);
-            inFrameRateSection = kind == SectionKind::Video;
+            counts.add(kind);
+            frameRateSection = kind == SectionKind::Video;
             continue;
         }
-        if (!line.contains(QStringLiteral(": ")) && !line.trimmed().isEmpty())
-            inFrameRateSection = line.startsWith(QStringLiteral("General"));
+        if (MCMediaInfoReport::isSectionTitle(line)) {
+            frameRateSection = line.startsWith(QStringLiteral("General")) || line.startsWith(QStringLiteral("Video"));
+            continue;
+        }
         const auto [key, value, valid] = MCMediaInfoReport::keyValue(line);
         if (!valid)
             continue;
-        if (key.startsWith(QStringLiteral("Frame rate  "))) {
-            if (inFrameRateSection && !value.endsWith(QStringLiteral("fps"), Qt::CaseInsensitive))
-                theFPS = value;
-        } else if (key.startsWith(QStringLiteral("Pixel aspect ratio"))) {
-            videoPAR = value;
-        } else if (key.startsWith(QStringLiteral("Width  "))) {
-            if (!value.endsWith(QStringLiteral("pixels")))
-                theWidth = value;
-        } else if (key.startsWith(QStringLiteral("Height  "))) {
-            if (!value.endsWith(QStringLiteral("pixels")))
-                theHeight = value;
-        } else if (key.startsWith(QStringLiteral("Codec profile "))) {
-            if (value.contains(QLatin1Char('@')))
-                codecProfile = value;
+        if (key.startsWith(u"Frame rate  ")) {
+            if (frameRateSection && isRawDecimal(value))
+                theFPS = value.toString();
+        } else if (key.startsWith(u"Pixel aspect ratio")) {
+            videoPAR = value.toString();
+        } else if (key.startsWith(u"Width  ")) {
+            if (!value.endsWith(u"pixels"))
+                theWidth = value.toString();
+        } else if (key.startsWith(u"Height  ")) {
+            if (!value.endsWith(u"pixels"))
+                theHeight = value.toString();
+        } else if (key.startsWith(u"Codec profile ")) {
+            if (value.contains(u'@'))
+                codecProfile = value.toString();
         }
     }
-    theNumberOfVideoTracks = QString::number(video);
-    theNumberOfAudioTracks = QString::number(audio);
-    theNumberOfSubTracks = QString::number(text);
+    theNumberOfVideoTracks = QString::number(counts.video);
+    theNumberOfAudioTracks = QString::number(counts.audio);
+    theNumberOfSubTracks = QString::number(counts.text);
 }
 
-bool MCVideoFile::checkForHeaderRemovalFor(const QUrl &url)
+bool MCVideoFile::checkForHeaderRemovalFor(const QUrl &url) const
 {
+    if (!isInspectable(url))
+        return false;
     return doShellScriptFor(mkvinfoURL, {url}).contains(QStringLiteral("header removal"));
 }
 
-MCTrackListResult MCVideoFile::makeTrackListFor(const QUrl &url)
+MCTrackListResult MCVideoFile::makeTrackListFor(const QUrl &url) const
 {
+    if (!isInspectable(url))
+        return {{}, QStringLiteral("not a video")};
     return trackListFromReport(mediaInfoReportFor(url), url);
 }
 
 MCTrackListResult MCVideoFile::trackListFromReport(const QStringList &lines, const QUrl &url) const
 {
-    return MCTrackListParser(videoTable, audioTable, subtitleTable).parse(lines, url);
+    return MCTrackListParser(*this).parse(lines, url);
 }
 
 QString MCVideoFile::whatToDoWithFile(const QUrl &url)
 {
     if (trackList.isEmpty())
         return QStringLiteral("replace file");
-    int video = 0;
-    int audio = 0;
-    int text = 0;
+    if (!isInspectable(url))
+        return QStringLiteral("not a video file");
+    HeaderCounts counts;
     for (const auto &header : MCMediaInfoReport::headers(mediaInfoReportFor(url)))
-        countHeader(header.kind, video, audio, text);
-    const int total = video + audio + text;
-    if (total > 1)
+        counts.add(header.kind);
+    if (counts.total() > 1)
         return QStringLiteral("replace file");
-    if (video == 0 && audio + text == 1)
+    if (counts.video == 0 && counts.audio + counts.text == 1)
         return QStringLiteral("add file");
-    if (total == 1)
+    if (counts.total() == 1)
         return QStringLiteral("replace file");
+    // "sup" is let through here although the track parser refuses it.
     const QString extension = QFileInfo(url.toLocalFile()).suffix().toLower();
     if (subtitleFileExtensions().contains(extension) || extension == QStringLiteral("sup"))
         return QStringLiteral("add file");
@@ -317,12 +358,8 @@ QString MCVideoFile::stringFromFileProperties() const
 
 void MCVideoFile::logFileProperties() const
 {
-    QString text = stringFromFileProperties();
-    while (text.startsWith(QLatin1Char('\n')))
-        text.remove(0, 1);
-    if (text.endsWith(QLatin1Char('\n')))
-        text.chop(1);
-    for (const QString &line : text.split(QLatin1Char('\n'))) {
+    // The same lines as the text report, without its blank lines.
+    for (const QString &line : stringFromFileProperties().split(QLatin1Char('\n'))) {
         if (!line.isEmpty())
             MCLog::line(line);
     }

@@ -8,8 +8,6 @@
 #include <QStringList>
 #include <QUrl>
 
-#include <optional>
-
 // The answer of the track parser: the tracks, or a failure word
 // ("track not identified", "not a video") and no tracks.
 struct MCTrackListResult
@@ -19,81 +17,86 @@ struct MCTrackListResult
     bool ok() const { return failure.isEmpty(); }
 };
 
-// One codec classification table: classes of match patterns, the class
-// names stored as the track's codec, and the extensions for a lone stream.
-struct MCCodecTable
-{
-    QList<QStringList> codecList;
-    QStringList infoList;
-    QStringList extList;
-};
-
 // The inspected source file: names, a few file-level video properties and
 // the ordered list of its tracks, all learnt from mediainfo's full report
 // (and mkvinfo's, for header-removal compression in Matroska files).
+// Operations answer result words ("OK", "error", "not a video", ...).
 class MCVideoFile : public MCHelpers
 {
 public:
-    MCVideoFile();
+    MCVideoFile(); // runs initialize()
 
-    QString theFilePath;
-    QUrl theFileURL;
-    QString theFileName;
-    QString theFileExtension;
-    QString theFileShortName;
-    QString pathToFileFolder;
-    QString addedFilePath;
-    QString addedFileName;
-    QString addedFileExtension;
-    QString addedPathToFileFolder;
+    QString theFilePath = QStringLiteral("none");
+    QUrl theFileURL = QUrl::fromLocalFile(QString());
+    QString theFileName = QStringLiteral("none");
+    QString theFileExtension = QStringLiteral("none"); // lower-cased
+    QString theFileShortName = QStringLiteral("none");
+    QString pathToFileFolder = QStringLiteral("none"); // ends with "/"
+    QString addedFilePath = QStringLiteral("none");
+    QString addedFileName = QStringLiteral("none");
+    QString addedFileExtension = QStringLiteral("none");
+    QString addedPathToFileFolder = QStringLiteral("none");
     MCTrackList trackList;
-    QString theNumberOfVideoTracks;
-    QString theNumberOfAudioTracks;
-    QString theNumberOfSubTracks;
+    QString theNumberOfVideoTracks = QStringLiteral("0");
+    QString theNumberOfAudioTracks = QStringLiteral("0");
+    QString theNumberOfSubTracks = QStringLiteral("0");
     bool isVideoFile = false;
-    QString theDuration;
-    QString theFPS;
-    QString videoPAR;
-    QString theWidth;
-    QString theHeight;
-    QString codecProfile;
-    QString theVideoBitRate;
-    QString theVideoCodec;
+    QString theDuration = QStringLiteral("0");
+    QString theFPS = QStringLiteral("0");
+    QString videoPAR = QStringLiteral("0");
+    QString theWidth = QStringLiteral("0");
+    QString theHeight = QStringLiteral("0");
+    QString codecProfile = QStringLiteral("none");
+    QString theVideoBitRate = QStringLiteral("0");
+    QString theVideoCodec = QStringLiteral("none");
     bool headerRemovalFlag = false;
-    MCCodecTable videoTable;
-    MCCodecTable audioTable;
-    MCCodecTable subtitleTable;
-    QUrl mediainfoURL;
-    QUrl mkvinfoURL;
+
+    // Codec classification: classes of match patterns, the class names
+    // stored as a track's codec, and the extensions for a lone stream.
+    QList<QStringList> videoCodecList;
+    QStringList videoInfoList;
+    QStringList videoExtList;
+    QList<QStringList> audioCodecList;
+    QStringList audioInfoList;
+    QStringList audioExtList;
+    QList<QStringList> subtitleCodecList;
+    QStringList subtitleInfoList;
+    QStringList subtitleExtList;
+
+    QUrl mediainfoURL; // resource folder + "/mediainfo"
+    QUrl mkvinfoURL;   // resource folder + "/mkvinfo"
 
     void initialize();
     void setFileDefaultPropertyValues();
 
+    // "error" or "OK"; fills the name fields only.
     QString quickInitializeForURL(const QUrl &url);
+    // "track not identified", "not a video" or "OK"; the full inspection.
     QString initializeForURL(const QUrl &url);
+    // For a further file: "replace file", "add file" or "not a video file".
     QString whatToDoWithFile(const QUrl &url);
+    // "track not identified", "not a video", "too many tracks",
+    // "adding video track" or "OK".
     QString addTrack(const QUrl &url);
-    MCTrackListResult makeTrackListFor(const QUrl &url);
+    MCTrackListResult makeTrackListFor(const QUrl &url) const;
     void setFilePropertiesFor(const QUrl &url);
-    bool checkForHeaderRemovalFor(const QUrl &url);
+    bool checkForHeaderRemovalFor(const QUrl &url) const;
 
     void logFileProperties() const;
     QString stringFromFileProperties() const;
 
-    // The parsers, over a report's lines, without running anything.
+    // The parsers over a report's lines; they run nothing.
     MCTrackListResult trackListFromReport(const QStringList &lines, const QUrl &url) const;
     void filePropertiesFromReport(const QStringList &lines);
     void setNameFieldsFor(const QUrl &url);
 
-    // mediainfo's full report of a file, split into lines.
+    // mediainfo's full report of a file, split into lines; empty for
+    // anything that is not a readable regular file.
     QStringList mediaInfoReportFor(const QUrl &url) const;
 
+    // The extensions of subtitle files that are added whole.
     static const QStringList &subtitleFileExtensions();
 
 private:
-    // initializeForURL inspects a file once and parses the same report for
-    // the tracks and the file properties.
-    QUrl m_reportURL;
-    QStringList m_reportLines;
-    std::optional<bool> m_headerRemovalAnswer;
+    void takeVideoTrackProperties();
 };
