@@ -2,10 +2,15 @@
 
 #include "TestSupport.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
+
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
@@ -84,6 +89,9 @@ TEST_F(MCVideoFileInspection, SecondFilesAreAddedOrReplaceTheFirst)
     EXPECT_EQ(file.whatToDoWithFile(url(QStringLiteral("extra.mp3"))), QStringLiteral("add file"));
     EXPECT_EQ(file.whatToDoWithFile(url(QStringLiteral("extra.srt"))), QStringLiteral("add file"));
 
+    testsupport::ffmpeg(dir->path(), QStringLiteral("picture.mp4"), QStringLiteral("-f lavfi -i testsrc=size=160x120 -t 1"));
+    EXPECT_EQ(file.whatToDoWithFile(url(QStringLiteral("picture.mp4"))), QStringLiteral("replace file"));
+    EXPECT_EQ(file.addTrack(url(QStringLiteral("picture.mp4"))), QStringLiteral("adding video track"));
     EXPECT_EQ(file.addTrack(url(QStringLiteral("clip.avi"))), QStringLiteral("too many tracks"));
     ASSERT_EQ(file.addTrack(url(QStringLiteral("extra.mp3"))), QStringLiteral("OK"));
     ASSERT_EQ(file.addTrack(url(QStringLiteral("extra.srt"))), QStringLiteral("OK"));
@@ -114,8 +122,10 @@ TEST_F(MCVideoFileInspection, BadInputAnswersAWordAndKeepsTheLoadedFile)
     text.close();
     QDir(dir->path()).mkdir(QStringLiteral("folder.avi"));
     QFile::copy(avi, dir->path() + QStringLiteral("/folder.avi/inside.avi"));
+    // mediainfo would wait for ever on a pipe that nobody writes.
+    ASSERT_EQ(::mkfifo(QFile::encodeName(dir->path() + QStringLiteral("/pipe.avi")).constData(), 0644), 0);
 
-    for (const char *name : {"missing.avi", "folder.avi", "empty.avi", "noise.avi", "readme.txt"}) {
+    for (const char *name : {"missing.avi", "missing.srt", "folder.avi", "empty.avi", "noise.avi", "readme.txt", "pipe.avi"}) {
         EXPECT_EQ(file.initializeForURL(url(QString::fromLatin1(name))), QStringLiteral("not a video")) << name;
         EXPECT_EQ(file.quickInitializeForURL(url(QString::fromLatin1(name))), QStringLiteral("error")) << name;
         EXPECT_EQ(file.whatToDoWithFile(url(QString::fromLatin1(name))), QStringLiteral("not a video file")) << name;
@@ -124,12 +134,48 @@ TEST_F(MCVideoFileInspection, BadInputAnswersAWordAndKeepsTheLoadedFile)
     EXPECT_EQ(file.trackList.size(), 2);
 }
 
+TEST_F(MCVideoFileInspection, UnreadableFileIsNotAVideo)
+{
+    const QString path = copyOfClipNamed(QStringLiteral("locked.avi"));
+    ASSERT_TRUE(QFile::setPermissions(path, {}));
+    if (QFileInfo(path).isReadable()) {
+        // Root reads any file; run this test again without that capability.
+        if (qEnvironmentVariableIsSet("KESTRANE_TEST_WITHOUT_DAC"))
+            GTEST_SKIP() << "the file stays readable even without the read-anything capability";
+        if (QStandardPaths::findExecutable(QStringLiteral("setpriv")).isEmpty())
+            GTEST_SKIP() << "running as root and setpriv is missing, so no file can be made unreadable";
+        QProcess child;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("KESTRANE_TEST_WITHOUT_DAC"), QStringLiteral("1"));
+        child.setProcessEnvironment(environment);
+        const QString caps = QStringLiteral("-dac_override,-dac_read_search");
+        child.start(QStringLiteral("setpriv"), {QStringLiteral("--inh-caps=") + caps, QStringLiteral("--bounding-set=") + caps,
+                                                QCoreApplication::applicationFilePath(),
+                                                QStringLiteral("--gtest_filter=MCVideoFileInspection.UnreadableFileIsNotAVideo")});
+        ASSERT_TRUE(child.waitForFinished(120000));
+        const QString output = QString::fromUtf8(child.readAllStandardOutput() + child.readAllStandardError());
+        EXPECT_EQ(child.exitCode(), 0) << output.toStdString();
+        EXPECT_TRUE(output.contains(QStringLiteral("[  PASSED  ] 1 test"))) << output.toStdString();
+        return;
+    }
+    MCVideoFile file;
+    ASSERT_EQ(file.initializeForURL(url(QStringLiteral("clip.avi"))), QStringLiteral("OK"));
+    EXPECT_EQ(file.initializeForURL(QUrl::fromLocalFile(path)), QStringLiteral("not a video"));
+    EXPECT_EQ(file.quickInitializeForURL(QUrl::fromLocalFile(path)), QStringLiteral("error"));
+    EXPECT_EQ(file.whatToDoWithFile(QUrl::fromLocalFile(path)), QStringLiteral("not a video file"));
+    EXPECT_EQ(file.addTrack(QUrl::fromLocalFile(path)), QStringLiteral("not a video"));
+    EXPECT_EQ(file.theFileName, QStringLiteral("clip.avi"));
+}
+
 TEST_F(MCVideoFileInspection, AwkwardNamesAreInspectedAndNeverRun)
 {
-    const QString previous = QDir::currentPath();
-    QDir::setCurrent(dir->path());
+    // Tools run in their own working folder, so the canary has an absolute
+    // path, handed over in the environment (a name cannot hold "/").
+    const QString canary = dir->path() + QStringLiteral("/canary");
+    qputenv("KESTRANE_CANARY", QFile::encodeName(canary));
     const QStringList names{QStringLiteral("with blanks.avi"), QStringLiteral("it's \"quoted\".avi"),
-                            QStringLiteral("dollar $(touch canary) `touch canary`.avi"),
+                            QStringLiteral("dollar $(touch $KESTRANE_CANARY) `touch $KESTRANE_CANARY`.avi"),
+                            QStringLiteral("semi\"; touch \"$KESTRANE_CANARY.avi"),
                             QStringLiteral("new\nline.avi"), QStringLiteral("Ünïcødé 映画.avi"),
                             QStringLiteral("back\\slash $HOME.avi")};
     for (const QString &name : names) {
@@ -138,13 +184,14 @@ TEST_F(MCVideoFileInspection, AwkwardNamesAreInspectedAndNeverRun)
         EXPECT_EQ(file.initializeForURL(QUrl::fromLocalFile(path)), QStringLiteral("OK")) << name.toStdString();
         EXPECT_EQ(file.theFileName, name);
         EXPECT_EQ(file.trackList.size(), 2) << name.toStdString();
+        EXPECT_EQ(file.quickInitializeForURL(QUrl::fromLocalFile(path)), QStringLiteral("OK")) << name.toStdString();
     }
-    const QString squeezedName = copyOfClipNamed(QStringLiteral("$(touch canary).mkv"));
+    const QString squeezedName = copyOfClipNamed(QStringLiteral("`touch $KESTRANE_CANARY`.mkv"));
     QFile::remove(squeezedName);
     QFile::copy(dir->path() + QStringLiteral("/squeezed.mkv"), squeezedName);
     MCVideoFile mkv;
     EXPECT_EQ(mkv.initializeForURL(QUrl::fromLocalFile(squeezedName)), QStringLiteral("OK"));
     EXPECT_TRUE(mkv.headerRemovalFlag);
-    QDir::setCurrent(previous);
-    EXPECT_FALSE(QFileInfo::exists(dir->path() + QStringLiteral("/canary")));
+    qunsetenv("KESTRANE_CANARY");
+    EXPECT_FALSE(QFileInfo::exists(canary));
 }

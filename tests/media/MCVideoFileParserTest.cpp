@@ -147,10 +147,14 @@ TEST(MCVideoFileProperties, FrameRateComesFromGeneralAndVideoOnly)
     EXPECT_EQ(file.theNumberOfVideoTracks, QStringLiteral("1"));
     EXPECT_EQ(file.theNumberOfAudioTracks, QStringLiteral("1"));
     EXPECT_EQ(file.theNumberOfSubTracks, QStringLiteral("1"));
-    file.filePropertiesFromReport({QStringLiteral("Video"), QStringLiteral("Frame rate  : 23.976"), QStringLiteral(""),
-                                   QStringLiteral("Audio"), QStringLiteral("Frame rate  : 31.250"),
-                                   QStringLiteral("Frame rate  : 31.250 FPS")});
+    // A second video stream's section ("Video #2") is still a picture section.
+    file.filePropertiesFromReport({QStringLiteral("General"), QStringLiteral("Frame rate  : 25.000"), QString(),
+                                   QStringLiteral("Video #2"), QStringLiteral("Frame rate  : 23.976"),
+                                   QStringLiteral("Frame rate  : 23.976 (24000/1001) FPS"), QString(), QStringLiteral("Audio"),
+                                   QStringLiteral("Frame rate  : 31.250"), QString(), QStringLiteral("Menu"),
+                                   QStringLiteral("Frame rate  : 10.000")});
     EXPECT_EQ(file.theFPS, QStringLiteral("23.976"));
+    EXPECT_EQ(file.theNumberOfVideoTracks, QStringLiteral("0"));
 }
 
 TEST(MCVideoFileReport, BannersAndFieldOrder)
