@@ -8,7 +8,7 @@ out=$root/docs/screenshots
 work=$(mktemp -d)
 trap 'kill ${app_pid:-} ${xvfb_pid:-} 2>/dev/null || true; rm -rf "$work"' EXIT
 
-cmake -S "$root" -B "$build" -G Ninja >/dev/null
+[ -f "$build/CMakeCache.txt" ] || cmake -S "$root" -B "$build" -G Ninja >/dev/null
 cmake --build "$build" --target kestrane -j2
 
 ffmpeg -v error -f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=frequency=440 \

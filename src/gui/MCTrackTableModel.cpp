@@ -14,7 +14,8 @@ QString bitRateText(const QString &bitsPerSecond)
     const qint64 value = bitsPerSecond.toLongLong(&ok);
     if (!ok || value <= 0)
         return shown(bitsPerSecond);
-    return QStringLiteral("%1 kb/s").arg((value + 500) / 1000);
+    // Reports give kb/s for some tracks and b/s for others.
+    return QStringLiteral("%1 kb/s").arg(value >= 10000 ? (value + 500) / 1000 : value);
 }
 
 } // namespace
