@@ -154,6 +154,8 @@ TEST_F(MCVideoFileInspection, UnreadableFileIsNotAVideo)
                                                 QStringLiteral("--gtest_filter=MCVideoFileInspection.UnreadableFileIsNotAVideo")});
         ASSERT_TRUE(child.waitForFinished(120000));
         const QString output = QString::fromUtf8(child.readAllStandardOutput() + child.readAllStandardError());
+        if (!output.contains(QStringLiteral("[==========]")))
+            GTEST_SKIP() << "setpriv could not drop the capability: " << output.toStdString();
         EXPECT_EQ(child.exitCode(), 0) << output.toStdString();
         EXPECT_TRUE(output.contains(QStringLiteral("[  PASSED  ] 1 test"))) << output.toStdString();
         return;
