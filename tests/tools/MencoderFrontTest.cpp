@@ -1,0 +1,188 @@
+#include "MCHelpers.h"
+#include "StandInSupport.h"
+
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kIdentityPan = QStringLiteral("-af pan=6:1:0:0:0:0:0:0:1:0:0:0:0:0:0:1:0:0:0:0:0:0:1:0:0:0:0:0:0:1:0:0:0:0:0:0:1");
+// MEncoder's order is L R Ls Rs C LFE: this sends the centre (input 4) to
+// the left (output 0) and leaves the left out.
+const QString kCentreToLeftPan = QStringLiteral("-af pan=6:0:0:0:0:0:0:0:1:0:0:0:0:0:0:1:0:0:0:0:0:0:1:0:0:1:0:0:0:0:0:0:0:0:0:0:1");
+const QString kXvidVideo = QStringLiteral("-vf harddup -ovc lavc -ffourcc xvid -lavcopts threads=8:vcodec=mpeg4:autoaspect:vbitrate=300");
+
+QString processState(const QString &pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromLatin1(stat.readAll()).section(QLatin1Char(')'), 1).trimmed().section(QLatin1Char(' '), 0, 0);
+}
+
+class MencoderFrontTest : public ::testing::Test
+{
+protected:
+    // An XviD AVI with stereo MP3 and one with 5.1 AC-3 at 44.1 kHz whose
+    // only sound is in the centre channel.
+    void SetUp() override
+    {
+        stereoAvi = testsupport::ffmpeg(dir.path(), QStringLiteral("stereo.avi"),
+                                        QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i sine=f=440:r=44100 "
+                                                       "-t 4 -c:v mpeg4 -vtag XVID -g 25 -ac 2 -c:a libmp3lame"));
+        centreAvi = testsupport::ffmpeg(dir.path(), QStringLiteral("centre.avi"),
+                                        QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 "
+                                                       "-f lavfi -i 'aevalsrc=0|0|0.5*sin(2*PI*440*t)|0|0|0:c=5.1:s=44100' "
+                                                       "-t 4 -c:v mpeg4 -vtag XVID -g 25 -c:a ac3 -b:a 448k"));
+    }
+
+    int mencoder(const QString &arguments, QString *log = nullptr)
+    {
+        QString output;
+        const int status = standin::runTool(QStringLiteral("mencoder"), arguments, &output);
+        if (log)
+            *log = output;
+        return status;
+    }
+
+    void expectFiles(const QStringList &names)
+    {
+        QStringList expected = names + QStringList{QStringLiteral("centre.avi"), QStringLiteral("stereo.avi")};
+        expected.sort();
+        EXPECT_EQ(standin::filesIn(dir.path()), expected) << "a temporary file was left behind";
+    }
+
+    QTemporaryDir dir;
+    QString stereoAvi;
+    QString centreAvi;
+};
+
+} // namespace
+
+TEST_F(MencoderFrontTest, XvidAviGetsAc3SurroundFromAnAudioFile)
+{
+    const QString surround = testsupport::ffmpeg(dir.path(), QStringLiteral("surround.wav"),
+                                                 QStringLiteral("-f lavfi -i sine=f=300:r=48000 -t 4 -ac 6 -c:a pcm_s16le"));
+    const QString output = dir.path() + QStringLiteral("/stereo.avi.avi");
+    QString log;
+    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" %2 -oac lavc -lavcopts acodec=ac3:abitrate=384 -channels 6 %3 -srate 48000 "
+                                      "-audiofile \"%4\" -noautoexpand -o \"%5\"")
+                           .arg(stereoAvi, kXvidVideo, kIdentityPan, surround, output),
+                       &log),
+              0)
+        << log.toStdString();
+    EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Video"), QStringLiteral("CodecID")).toUpper(), QStringLiteral("XVID"));
+    EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format")), QStringLiteral("AC-3"));
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("Channels")), 6);
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("BitRate")), 384000);
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("SamplingRate")), 48000);
+    EXPECT_NEAR(standin::seconds(output, QStringLiteral("Audio")), standin::seconds(output, QStringLiteral("Video")), 0.15);
+    // The job's progress row reads MEncoder's "Pos:" lines.
+    EXPECT_TRUE(log.contains(QStringLiteral("Pos:   4.0s"))) << log.toStdString();
+    expectFiles({QStringLiteral("stereo.avi.avi"), QStringLiteral("surround.wav")});
+}
+
+TEST_F(MencoderFrontTest, SixChannelTrackOfTheVideoIsPannedInMencodersChannelOrder)
+{
+    const QString output = dir.path() + QStringLiteral("/centre.avi.avi");
+    QString log;
+    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" %2 -oac lavc -lavcopts acodec=ac3:abitrate=448 -channels 6 %3 -srate 48000 "
+                                      "-aid 1 -noautoexpand -o \"%4\"")
+                           .arg(centreAvi, kXvidVideo, kCentreToLeftPan, output),
+                       &log),
+              0)
+        << log.toStdString();
+    EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format")), QStringLiteral("AC-3"));
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("BitRate")), 448000);
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("SamplingRate")), 48000);
+    EXPECT_GT(standin::channelLoudness(output, QStringLiteral("FL")), -30.0);
+    EXPECT_LT(standin::channelLoudness(output, QStringLiteral("FC")), -80.0);
+    EXPECT_LT(standin::channelLoudness(output, QStringLiteral("FR")), -80.0);
+    expectFiles({QStringLiteral("centre.avi.avi")});
+}
+
+TEST_F(MencoderFrontTest, RawAacStereoDownMixFromAMatroskaTrack)
+{
+    const QString mkv = testsupport::ffmpeg(dir.path(), QStringLiteral("clip.mkv"),
+                                            QStringLiteral("-i '%1' -c:v copy -c:a aac -b:a 256k").arg(centreAvi));
+    const QString output = dir.path() + QStringLiteral("/clip.mkv.temp.Audio.t0.added.aac");
+    QString log;
+    // Matroska numbers -aid by audio track: 0 is the first.
+    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -aid 0 -ovc copy -oac faac -faacopts br=160:mpeg=4:object=2 -channels 2 "
+                                      "-srate 48000 -of rawaudio  -o \"%2\"").arg(mkv, output),
+                       &log),
+              0)
+        << log.toStdString();
+    EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("General"), QStringLiteral("Format")), QStringLiteral("ADTS"));
+    EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format_AdditionalFeatures")),
+              QStringLiteral("LC"));
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("Channels")), 2);
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("SamplingRate")), 48000);
+    // The centre is mixed into both sides.
+    EXPECT_NEAR(standin::channelLoudness(output, QStringLiteral("FL")), standin::channelLoudness(output, QStringLiteral("FR")), 1.0);
+    EXPECT_GT(standin::channelLoudness(output, QStringLiteral("FL")), -40.0);
+    expectFiles({QStringLiteral("clip.mkv"), QStringLiteral("clip.mkv.temp.Audio.t0.added.aac")});
+}
+
+TEST_F(MencoderFrontTest, OtherCommandLinesReachMencoderUntouched)
+{
+    const QString output = dir.path() + QStringLiteral("/stereo.avi.avi");
+    QString log;
+    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -ovc copy -lavcopts threads=8 -oac mp3lame -srate 48000 -lameopts preset=128 "
+                                      "-o \"%2\"").arg(stereoAvi, output),
+                       &log),
+              0)
+        << log.toStdString();
+    EXPECT_TRUE(log.startsWith(QStringLiteral("MEncoder"))) << log.toStdString();
+    EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format")), QStringLiteral("MPEG Audio"));
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("SamplingRate")), 48000);
+}
+
+TEST_F(MencoderFrontTest, BadAudioRequestsFailBeforeMencoderRuns)
+{
+    QFile junk(dir.path() + QStringLiteral("/noise.ac3"));
+    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
+    junk.write(QByteArray(30000, '\x33'));
+    junk.close();
+    const QString output = dir.path() + QStringLiteral("/out.avi");
+    const QString ac3 = QStringLiteral("-ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=384");
+    const QStringList commands = {
+        QStringLiteral("\"%1\" %2 -audiofile \"%3\" -o \"%4\"").arg(stereoAvi, ac3, junk.fileName(), output),
+        QStringLiteral("\"%1\" %2 -aid 5 -o \"%3\"").arg(stereoAvi, ac3, output),
+        QStringLiteral("\"%1\" %2 -af volume=3 -o \"%3\"").arg(stereoAvi, ac3, output),
+        QStringLiteral("\"%1\" %2 -frobnicate -o \"%3\"").arg(stereoAvi, ac3, output),
+        QStringLiteral("\"%1\" %2 -of rawaudio -o \"%3/missing/out.ac3\"").arg(stereoAvi, ac3, dir.path()),
+    };
+    for (const QString &command : commands) {
+        QString log;
+        EXPECT_NE(mencoder(command, &log), 0) << command.toStdString();
+        EXPECT_FALSE(log.contains(QStringLiteral("MEncoder"))) << log.toStdString();
+        expectFiles({QStringLiteral("noise.ac3")});
+    }
+}
+
+TEST_F(MencoderFrontTest, PausedEncodingResumesAndFinishes)
+{
+    const QString longer = testsupport::ffmpeg(dir.path(), QStringLiteral("long.ac3"),
+                                               QStringLiteral("-f lavfi -i sine=f=440:r=48000 -t 60 -ac 6 -c:a ac3 -b:a 448k"));
+    const QString output = dir.path() + QStringLiteral("/long.ac3.temp.Audio.t0.ac3");
+    QString pid;
+    testsupport::run(QStringLiteral("\"%1\" \"%2\" -aid 0 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=384 -channels 6 %3 "
+                                    "-srate 48000 -of rawaudio -o \"%4\" &> \"%5/front.log\" & echo $!")
+                         .arg(standin::toolPath(QStringLiteral("mencoder")), longer, kIdentityPan, output, dir.path()),
+                     &pid);
+    pid = pid.trimmed();
+    ASSERT_EQ(testsupport::run(QStringLiteral("kill -STOP %1").arg(pid)), 0);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return processState(pid) == QStringLiteral("T"); }, 5000));
+    QThread::msleep(300);
+    EXPECT_EQ(processState(pid), QStringLiteral("T"));
+    EXPECT_FALSE(QFileInfo::exists(output));
+
+    ASSERT_EQ(testsupport::run(QStringLiteral("kill -CONT %1").arg(pid)), 0);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !MCHelpers::processIsRunning(pid); }, 60000));
+    EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("Channels")), 6);
+    EXPECT_NEAR(standin::seconds(output, QStringLiteral("Audio")), 60.0, 0.2);
+    expectFiles({QStringLiteral("front.log"), QStringLiteral("long.ac3"), QStringLiteral("long.ac3.temp.Audio.t0.ac3")});
+}
