@@ -25,6 +25,8 @@ void dropOn(MCDropTableView *table, const QList<QUrl> &urls)
 {
     QMimeData data;
     data.setUrls(urls);
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(table->viewport(), &enter);
     QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(table->viewport(), &drop);
 }
