@@ -3,6 +3,7 @@
 #include "MCJobFactory.h"
 #include "MCMencoderVideo.h"
 #include "MCMkvExtractor.h"
+#include "MCMkvMuxer.h"
 #include "MCMp4Extractor.h"
 #include "MCTrackDumper.h"
 
@@ -84,6 +85,19 @@ void MCConvertToAviJob::startJob()
 void MCConvertToAviJob::monitorStartJob()
 {
     addMonitorLoop([this] { return startMonitorTick(); }, [this] { jobDone(); });
+}
+
+void MCConvertToAviJob::muxStep()
+{
+    auto muxer = std::make_shared<MCMkvMuxer>();
+    muxer->inititializeForTrack(0, QStringLiteral("Muxing Tracks"), true);
+    setStepConverterList({muxer});
+    setStepPIDList({});
+    setProgressList({});
+    startStep(muxer, true);
+    muxStepCounter = 1;
+    oldMuxProgress = 0;
+    QTimer::singleShot(100, this, &MCConvertToAviJob::monitorMuxStep);
 }
 
 void MCConvertToAviJob::monitorMuxStep()

@@ -19,8 +19,9 @@ public:
     void startJob() override;
     // Every step is watched until it ends; then the job is done.
     void monitorStartJob();
-    // The muxing monitor ("Muxing Step #%i"); the conversion itself never
-    // reaches a muxing phase.
+    // A muxing phase into MKV with its monitor ("Muxing Step #%i"), as the
+    // MKV conversion has it; the AVI conversion's own flow never calls them.
+    void muxStep();
     void monitorMuxStep();
 
     static void registerJobType();
