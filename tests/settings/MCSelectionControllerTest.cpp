@@ -1,0 +1,264 @@
+#include "MCNotificationCenter.h"
+#include "RulesTestSupport.h"
+#include "TestSupport.h"
+
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+using namespace rulestest;
+
+namespace {
+
+const QString kRed = MCSelectionController::colorRed;
+const QString kBlack = MCSelectionController::colorBlack;
+
+TEST(MCSelectionControllerTest, AviTabDecidesWhatMayBeConverted)
+{
+    struct Case
+    {
+        const char *what;
+        QList<TrackSpec> tracks;
+        bool canConvert;
+        bool canBurn;
+        QString videoColor;
+        QString audioColor;
+        QString jobType;
+    };
+    const Case cases[] = {
+        {"one video and two audios", {{"Video", "h264"}, {"Audio", "ac3", "6"}, {"Audio", "mp3", "2"}},
+         false, false, kBlack, kBlack, "none"},
+        {"non-MPEG-4 video, AAC and one subtitle to burn",
+         {{"Video", "h264"}, {"Audio", "aac", "2"}, {"Subtitle", "srt"}}, true, true, kRed, kRed,
+         "AVI Conversion"},
+        {"two subtitles", {{"Video", "mpeg4"}, {"Audio", "mp3", "2"}, {"Subtitle", "srt"}, {"Subtitle", "ass"}},
+         false, false, kBlack, kBlack, "none"},
+        {"MPEG-4 with MP3 and nothing to burn", {{"Video", "mpeg4"}, {"Audio", "mp3", "2"}}, true, false, kBlack,
+         kBlack, "AVI Conversion"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.what);
+        Rules r;
+        r.load(makeFile(c.tracks));
+        EXPECT_EQ(r.rules.canConvert, c.canConvert);
+        EXPECT_EQ(r.rules.canBurnSubtitles, c.canBurn);
+        EXPECT_EQ(r.rules.aviVideoPassThruColor, c.videoColor);
+        EXPECT_EQ(r.rules.aviAudioPassThruColor, c.audioColor);
+        EXPECT_EQ(r.record().jobType, c.jobType);
+        EXPECT_EQ(r.rules.statusText, QStringLiteral("/videos/clip.avi"));
+        if (!c.canConvert) {
+            EXPECT_FALSE(r.rules.popupAudioIsSurround);
+        }
+    }
+}
+
+TEST(MCSelectionControllerTest, OptionRowsWriteEachTracksWantedOutput)
+{
+    Rules r;
+    r.load(makeFile({{"Video", "h264"}, {"Audio", "dts", "6"}, {"Subtitle", "srt"}}));
+    const MCTrackList &tracks = r.rules.currentVideoFile()->trackList;
+    EXPECT_TRUE(r.rules.popupAudioIsSurround);
+    EXPECT_EQ(tracks[0]->userCodec, QStringLiteral("passthru"));
+    EXPECT_EQ(tracks[1]->userNumberOfChannels, QStringLiteral("6"));
+    EXPECT_EQ(tracks[2]->userCodec, QStringLiteral("burn"));
+
+    r.rules.setVideoMatrixIndex(2);
+    r.rules.setAudioMatrixIndex(1);
+    r.rules.setSubtitleMatrixIndex(1);
+    r.rules.updateTabs();
+    EXPECT_EQ(tracks[0]->userCodec, QStringLiteral("mpeg4"));
+    EXPECT_EQ(r.record().userPassNumber, QStringLiteral("2"));
+    EXPECT_TRUE(r.rules.mustConvertVideoTrack);
+    EXPECT_EQ(tracks[1]->userCodec, QStringLiteral("mp3"));
+    EXPECT_EQ(tracks[1]->userNumberOfChannels, QStringLiteral("2"));
+    EXPECT_EQ(tracks[1]->userBitRate, QStringLiteral("160"));
+    EXPECT_FALSE(r.rules.canAddStereoTrack);
+    EXPECT_EQ(tracks[2]->userCodec, QStringLiteral("extract"));
+
+    // The 448 row only changes the bit rate the AC3 row then writes.
+    r.rules.setAudioMatrixIndex(3);
+    EXPECT_EQ(r.record().userAudioBitRate, QStringLiteral("448"));
+    r.rules.setAudioMatrixIndex(2);
+    r.rules.updateTabs();
+    EXPECT_EQ(tracks[1]->userCodec, QStringLiteral("ac3"));
+    EXPECT_EQ(tracks[1]->userBitRate, QStringLiteral("384"));
+}
+
+TEST(MCSelectionControllerTest, StereoCopyIsRebuiltOnTheNextTurn)
+{
+    Rules r;
+    r.load(makeFile({{"Video", "mpeg4"}, {"Audio", "ac3", "6"}}));
+    r.rules.setAddStereoTrackButton(1);
+    EXPECT_TRUE(r.record().addedAudioTrackList.isEmpty());
+    QCoreApplication::processEvents();
+    ASSERT_EQ(r.record().addedAudioTrackList.size(), 1);
+    EXPECT_EQ(r.record().addedAudioTrackList[0]->userNumberOfChannels, QStringLiteral("2"));
+
+    // Converting to MP3 stereo clears the box and the copy goes.
+    r.rules.setAudioMatrixIndex(1);
+    r.rules.updateTabs();
+    EXPECT_EQ(r.rules.addStereoTrackButton(), 0);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(r.record().addedAudioTrackList.isEmpty());
+}
+
+TEST(MCSelectionControllerTest, AudioChooserLabelsAndIndex)
+{
+    Rules r;
+    r.load(makeFile({{"Video", "mpeg4"}, {"Audio", "ac3", "6"}, {"Audio", "mp3", "2", "French", false}}));
+    EXPECT_EQ(r.rules.audioTrackLabels(), QStringList{QStringLiteral("6 Ch. AC3 - English")});
+    EXPECT_TRUE(r.rules.hideAudioTrackPopupFlag);
+
+    // Selecting a track ahead of the chosen one keeps the chosen one chosen.
+    MCTrackList &tracks = r.rules.currentVideoFile()->trackList;
+    tracks.move(2, 1);
+    tracks[1]->trackSelected = true;
+    r.rules.trackTableSelectionChanged();
+    EXPECT_EQ(r.rules.audioTrackLabels(),
+              (QStringList{QStringLiteral("2 Ch. MP3 - French"), QStringLiteral("6 Ch. AC3 - English")}));
+    EXPECT_EQ(r.rules.audioTrackPopupIndex(), 1);
+    EXPECT_FALSE(r.rules.hideAudioTrackPopupFlag);
+
+    // Choosing a track takes its row from what it already asks for.
+    tracks[1]->userCodec = QStringLiteral("mp3");
+    tracks[1]->userNumberOfChannels = QStringLiteral("2");
+    tracks[1]->userBitRate = QStringLiteral("224");
+    r.rules.setAudioTrackPopupIndex(0);
+    EXPECT_EQ(r.rules.audioMatrixIndex(), 1);
+    EXPECT_EQ(r.record().userAudioBitRate, QStringLiteral("224"));
+    EXPECT_FALSE(r.rules.canConvert);
+
+    r.rules.setAudioTrackPopupIndex(150);
+    EXPECT_EQ(r.rules.audioTrackPopupIndex(), 0);
+}
+
+TEST(MCSelectionControllerTest, TypedNumbersAreNormalised)
+{
+    struct Case
+    {
+        const char *typed;
+        const char *bitRate;
+        bool bitRateOK;
+        const char *fps;
+        bool fpsOK;
+    };
+    const Case cases[] = {
+        {"abc", "0", false, "0", false},
+        {"1500.6", "1501", true, "1500.6", true},
+        {"23.9764", "24", true, "23.976", true},
+        {"1,000", "0", false, "0", false},
+        {"", "0", false, "0", false},
+        {"25.0", "25", true, "25", true},
+    };
+    Rules r;
+    r.load(makeFile({{"Video", "mpeg4"}, {"Audio", "mp3", "2"}}));
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.typed);
+        r.rules.setEnteredUserVideoBitRate(QString::fromLatin1(c.typed));
+        r.rules.setEnteredUserFPS(QString::fromLatin1(c.typed));
+        EXPECT_EQ(r.rules.userBitRateOK, c.bitRateOK);
+        EXPECT_EQ(r.record().userVideoBitRate, QString::fromLatin1(c.bitRate));
+        EXPECT_EQ(r.rules.userFPSOK, c.fpsOK);
+        EXPECT_EQ(r.record().userFPS, QString::fromLatin1(c.fps));
+    }
+}
+
+TEST(MCSelectionControllerTest, SplitRulesInEditFiles)
+{
+    struct Case
+    {
+        const char *what;
+        int row;
+        const char *start;
+        const char *end;
+        const char *size;
+        const char *number;
+        bool canSplit;
+    };
+    const Case cases[] = {
+        {"start after end", 0, "00:10:00", "00:05:00", "10", "1", false},
+        {"equal times", 0, "00:05:00", "00:05:00", "10", "1", false},
+        {"start before end", 0, "00:05:00", "00:10:00", "10", "1", true},
+        {"size with no pieces", 1, "00:00:00", "00:00:00", "10", "0", false},
+        {"size that is no number", 1, "00:00:00", "00:00:00", "ten", "2", false},
+        {"size and pieces", 1, "00:00:00", "00:00:00", "10", "2", true},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.what);
+        Rules r;
+        r.load(makeFile({{"Video", "mpeg4"}}));
+        r.rules.setCurrentTab(MCSelectionController::tabEditFiles);
+        EXPECT_TRUE(r.rules.hideTrackTable);
+        EXPECT_FALSE(r.rules.canSplit); // no files yet
+        r.record().editFilesURLsList = {QUrl::fromLocalFile(QStringLiteral("/videos/a.avi"))};
+        r.rules.splitTypeMatrixIndex = c.row;
+        r.rules.setEnteredSplitSize(QString::fromLatin1(c.size));
+        r.rules.setEnteredSplitNumber(QString::fromLatin1(c.number));
+        // The time fields announce their texts; the rules store them.
+        auto &center = MCNotificationCenter::defaultCenter();
+        const QString changed = MCNotificationName::timeTextFieldChanged;
+        center.post(changed, QString::fromLatin1(c.start), {{QStringLiteral("textFieldID"), "startTimeTextField"}});
+        center.post(changed, QString::fromLatin1(c.end), {{QStringLiteral("textFieldID"), "endTimeTextField"}});
+        EXPECT_EQ(r.rules.canSplit, c.canSplit);
+        EXPECT_EQ(r.record().splitType, QString::fromLatin1(c.row == 0 ? "time" : "size"));
+        EXPECT_FALSE(r.rules.canJoin);
+        EXPECT_EQ(r.rules.enteredSplitEndTime, QString::fromLatin1(c.end));
+    }
+}
+
+TEST(MCSelectionControllerTest, EditTracksNeedsAnAviAndTheRightTracks)
+{
+    {
+        Rules r;
+        r.load(makeFile({{"Video", "mpeg4"}, {"Audio", "mp3", "2"}}, QStringLiteral("AVI")));
+        r.rules.setCurrentTab(MCSelectionController::tabEditTracks);
+        EXPECT_TRUE(r.rules.trackTableEnabled);
+        EXPECT_TRUE(r.rules.canEditTracks);
+        EXPECT_EQ(r.record().jobType, QStringLiteral("AVI Track Extraction"));
+    }
+    {
+        Rules r;
+        r.load(makeFile({{"Video", "h264"}}, QStringLiteral("mkv")));
+        r.rules.setCurrentTab(MCSelectionController::tabEditTracks);
+        EXPECT_FALSE(r.rules.trackTableEnabled);
+        EXPECT_FALSE(r.rules.canEditTracks);
+        EXPECT_EQ(r.rules.statusText, QStringLiteral("Kestrane can only edit the tracks of AVI videos."));
+        EXPECT_EQ(r.rules.statusColor, kRed);
+    }
+    // Added tracks cannot be extracted; adding goes by the last selected track.
+    Rules r;
+    r.load(makeFile({{"Video", "mpeg4"}, {"Audio", "mp3", "2", "English", true, true}}));
+    r.rules.setCurrentTab(MCSelectionController::tabEditTracks);
+    EXPECT_FALSE(r.rules.canEditTracks);
+    r.rules.setEditTrackMatrixIndex(1);
+    EXPECT_TRUE(r.rules.editTrackLabel.contains(QStringLiteral("added.  You can only add")));
+    r.rules.updateTabs();
+    EXPECT_TRUE(r.rules.canEditTracks);
+    EXPECT_EQ(r.record().jobType, QStringLiteral("AVI Track Addition"));
+    r.rules.currentVideoFile()->trackList.append(makeTrack({"Subtitle", "srt"}));
+    r.rules.trackTableSelectionChanged();
+    EXPECT_FALSE(r.rules.canEditTracks);
+}
+
+TEST(MCSelectionControllerTest, SelectAllTogglesAndTabSwitchOverridePresets)
+{
+    Rules r(nullptr);
+    r.load(makeFile({{"Video", "mpeg4"}, {"Audio", "mp3", "2", "English", false}, {"Audio", "ac3", "6"}}));
+    r.rules.toggleAllAudio();
+    EXPECT_EQ(r.record().audCount, QStringLiteral("2"));
+    r.rules.toggleAllAudio();
+    EXPECT_EQ(r.record().audCount, QStringLiteral("0"));
+
+    // A click on the table cancels the track preset; a tab change the settings preset.
+    r.presets.setSelectionMethodIndex(1);
+    r.presets.setSettingMethodIndex(1);
+    r.rules.trackTableSelectionChanged(MCSelectionController::senderTrackTable);
+    EXPECT_EQ(r.presets.selectionMethodIndex(), 0);
+    EXPECT_EQ(r.presets.settingMethodIndex(), 1); // "Extract Tracks" switched tabs itself
+    EXPECT_EQ(r.rules.currentTab(), MCSelectionController::tabEditTracks);
+    r.rules.setCurrentTab(MCSelectionController::tabAvi);
+    EXPECT_EQ(r.presets.settingMethodIndex(), 0);
+    EXPECT_EQ(r.rules.enteredUserWidth(), QStringLiteral("640"));
+}
+
+} // namespace
