@@ -1,0 +1,473 @@
+#include "MCAppDelegate.h"
+
+#include "MCAlertCenter.h"
+#include "MCConverter.h"
+#include "MCJob.h"
+#include "MCJobTypes.h"
+#include "MCLog.h"
+#include "MCPreferences.h"
+#include "MCPresetsController.h"
+#include "MCQueueController.h"
+#include "MCSelectionController.h"
+#include "MCVideoFile.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QTimer>
+
+namespace {
+
+const QString kOpen = QStringLiteral("open");
+const QString kAdd = QStringLiteral("add");
+const QString kDrag = QStringLiteral("drag");
+const QString kWatch = QStringLiteral("watch");
+const QString kNewFileAdded = QStringLiteral("new file added");
+
+constexpr double kIntakeAlertSeconds = 5.0;
+constexpr double kSaveFolderAlertSeconds = 10.0;
+constexpr int kBatchDelayMs = 400;
+constexpr int kWatchStartDelayMs = 2000;
+
+bool isAvi(const QUrl &url)
+{
+    return QFileInfo(url.toLocalFile()).suffix().toLower() == QStringLiteral("avi");
+}
+
+bool isOneOf(const QString &mode, std::initializer_list<QString> modes)
+{
+    return std::find(modes.begin(), modes.end(), mode) != modes.end();
+}
+
+} // namespace
+
+const QString MCAppDelegate::dropFilesText = QStringLiteral("Drop Video File(s) in the Table Below");
+
+MCAppDelegate::MCAppDelegate(const QString &settingsFilePath, QObject *parent)
+    : QObject(parent)
+    , m_settingsFilePath(settingsFilePath)
+{
+    queueSelection = [this](const MCSelectionPtr &selection) {
+        if (queueController)
+            queueController->addToQueue(selection);
+    };
+}
+
+MCAppDelegate::~MCAppDelegate()
+{
+    if (MCPreferences::applicationPreferences() == appPreferences)
+        MCPreferences::setApplicationPreferences(nullptr);
+}
+
+void MCAppDelegate::applicationDidFinishLaunching()
+{
+    if (m_launched)
+        return;
+    m_launched = true;
+    MCJobTypes::registerAll();
+    appPreferences = m_settingsFilePath.isEmpty() ? new MCPreferences(this) : new MCPreferences(m_settingsFilePath, this);
+    MCPreferences::setApplicationPreferences(appPreferences);
+
+    currentVideoFile = std::make_shared<MCVideoFile>();
+    currentSelection = std::make_shared<MCSelection>();
+    currentSelection->initialize();
+
+    selectionController = new MCSelectionController(this);
+    presetsController = new MCPresetsController(appPreferences, selectionController, this);
+    selectionController->setPresetsController(presetsController);
+    selectionController->setCurrentSelection(currentSelection);
+    selectionController->setCurrentVideoFile(currentVideoFile);
+    selectionController->initialize();
+    queueController = new MCQueueController(this);
+    queueController->appPreferences = appPreferences;
+    connect(selectionController, &MCSelectionController::endEditingRequested, this, [this] {
+        if (endTextEditing)
+            endTextEditing();
+    });
+
+    setFileTextField(dropFilesText);
+    presetsController->initialize();
+    presetsController->setLanguageNames(MCConverter().languageList);
+    if (selectionController->currentTab().isEmpty())
+        selectionController->setCurrentTab(QStringLiteral("AVI"));
+    appPreferences->modifyToolTips();
+    setOpenedURLsArray({});
+    editFilesURLsArray.clear();
+}
+
+QString MCAppDelegate::currentTab() const
+{
+    return selectionController ? selectionController->currentTab() : QString();
+}
+
+void MCAppDelegate::setFileTextField(const QString &text)
+{
+    if (m_fileTextField == text)
+        return;
+    m_fileTextField = text;
+    emit fileTextFieldChanged();
+}
+
+void MCAppDelegate::setOpeningFileMode(const QString &mode)
+{
+    if (m_openingFileMode == mode)
+        return;
+    m_openingFileMode = mode;
+    emit openingFileModeChanged();
+}
+
+void MCAppDelegate::setOpenedURLsArray(const QList<QUrl> &urls)
+{
+    m_openedURLsArray = urls;
+    emit openedURLsArrayChanged();
+}
+
+// ---------------------------------------------------------------- intake
+
+void MCAppDelegate::openedFileHubForFiles(const QList<QUrl> &urls)
+{
+    setOpenedURLsArray(urls);
+    if (urls.isEmpty())
+        return;
+    if (m_openingFileMode == kWatch) {
+        // A watched file is processed at once with the presets in force.
+        if (testNewFileURL(urls.first(), false) == kNewFileAdded)
+            QTimer::singleShot(kWatchStartDelayMs, this, [this] { startProcess(QString()); });
+        return;
+    }
+    if (testNewFileURL(urls.first(), true) == kNewFileAdded && currentSelection->headerRemovalFlag)
+        offerHeaderRemovalRemux();
+}
+
+void MCAppDelegate::offerHeaderRemovalRemux()
+{
+    MCAlert alert;
+    alert.message = QStringLiteral("This video appears to have header removal compression.  This may cause issues when "
+                                   "you convert or play the video.");
+    alert.informativeText = QStringLiteral("Would you like Kestrane to create a copy of this video with this feature turned off.");
+    alert.buttons = {QStringLiteral("OK"), QStringLiteral("Cancel")};
+    MCAlertCenter::instance().present(alert, [self = QPointer<MCAppDelegate>(this)](int code) {
+        if (self)
+            self->handleHeaderCompression(code);
+    });
+}
+
+void MCAppDelegate::handleHeaderCompression(int returnCode)
+{
+    if (returnCode != MCAlertFirstButtonReturn)
+        return;
+    currentSelection->jobType = QStringLiteral("MKV Remux");
+    queueCurrentSelection();
+}
+
+QString MCAppDelegate::testNewFileURL(const QUrl &url, bool withAlerts)
+{
+    const QString tab = currentTab().toLower();
+    if (tab == QStringLiteral("avi"))
+        return testForAviTab(url, withAlerts);
+    if (tab == QStringLiteral("edit files"))
+        return testForEditFilesTab(withAlerts);
+    if (tab == QStringLiteral("edit tracks"))
+        return testForEditTracksTab(url, withAlerts);
+    return {};
+}
+
+QString MCAppDelegate::testForAviTab(const QUrl &url, bool withAlerts)
+{
+    const QString meaning = currentVideoFile->whatToDoWithFile(url);
+    if (meaning == QStringLiteral("replace file"))
+        return loadRule(url, withAlerts);
+    if (meaning == QStringLiteral("add file"))
+        addTrackAndApplyPresets(url, withAlerts);
+    else if (meaning == QStringLiteral("not a video file"))
+        alertErrorOpening(url, QStringLiteral("Kestrane can't open this file."), withAlerts);
+    return {};
+}
+
+QString MCAppDelegate::testForEditFilesTab(bool withAlerts)
+{
+    const bool adding = m_openingFileMode == kAdd;
+    if (!adding && !isOneOf(m_openingFileMode, {kOpen, kDrag, kWatch}))
+        return {};
+    if (!adding)
+        editFilesURLsArray.clear();
+    const QString refusal = adding ? QStringLiteral("Kestrane can't add the track from this file.")
+                                   : QStringLiteral("Kestrane can only edit AVI files.");
+    for (const QUrl &url : std::as_const(m_openedURLsArray)) {
+        if (isAvi(url))
+            editFilesURLsArray.append(url);
+        else
+            alertErrorOpening(url, refusal, withAlerts);
+    }
+    m_editFilesPathsArray.clear();
+    for (const QUrl &url : std::as_const(editFilesURLsArray))
+        m_editFilesPathsArray << url.toLocalFile();
+    emit editFilesPathsArrayChanged();
+    currentSelection->editFilesURLsList = editFilesURLsArray;
+    selectionController->updateTabs();
+    return {};
+}
+
+QString MCAppDelegate::testForEditTracksTab(const QUrl &url, bool withAlerts)
+{
+    const QString meaning = currentVideoFile->whatToDoWithFile(url);
+    if (meaning == QStringLiteral("add file")) {
+        addTrackAndApplyPresets(url, withAlerts);
+    } else if (meaning == QStringLiteral("not a video file")) {
+        alertErrorOpening(url, QStringLiteral("Kestrane can't open this file."), withAlerts);
+    } else if (meaning == QStringLiteral("replace file")) {
+        if (isAvi(url))
+            return loadRule(url, withAlerts);
+        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI files."), withAlerts);
+    }
+    return {};
+}
+
+QString MCAppDelegate::loadRule(const QUrl &url, bool withAlerts)
+{
+    if (isOneOf(m_openingFileMode, {kOpen, kDrag, kWatch})) {
+        loadNewFileTracksFrom(url, withAlerts);
+        applyPresets();
+        return kNewFileAdded;
+    }
+    alertErrorOpening(url, QStringLiteral("Kestrane can't add the track from this file."), withAlerts);
+    return {};
+}
+
+void MCAppDelegate::addTrackAndApplyPresets(const QUrl &url, bool withAlerts)
+{
+    // A track added without alerts (watch mode, a batch) is ignored.
+    if (!withAlerts)
+        return;
+    addFileTrackFrom(url);
+    applyPresets();
+}
+
+void MCAppDelegate::alertErrorOpening(const QUrl &url, const QString &text, bool withAlerts) const
+{
+    if (!withAlerts)
+        return;
+    MCAlert alert;
+    alert.message = QStringLiteral("Error Opening: %1").arg(url.fileName());
+    alert.informativeText = text;
+    alert.timeoutSeconds = kIntakeAlertSeconds;
+    MCAlertCenter::instance().present(alert);
+}
+
+void MCAppDelegate::loadNewFileTracksFrom(const QUrl &url, bool withAlerts)
+{
+    // The old file stays loaded when the new one fails.
+    auto candidate = std::make_shared<MCVideoFile>();
+    m_lastLoadAnswer = candidate->initializeForURL(url);
+    const QString answer = m_lastLoadAnswer.toLower();
+    if (answer == QStringLiteral("ok")) {
+        *currentVideoFile = std::move(*candidate);
+        setFileTextField(currentVideoFile->theFilePath);
+        currentSelection->initializeFrom(*currentVideoFile);
+        selectionController->setEnteredUserWidth(currentSelection->videoTrackWidth);
+        selectionController->setEnteredUserVideoBitRate(currentSelection->videoTrackBitRate);
+        selectionController->setEnteredUserFPS(currentSelection->videoTrackFPS);
+        selectionController->updateTabs();
+    } else if (answer == QStringLiteral("track not identified")) {
+        alertErrorOpening(url, QStringLiteral("Kestrane could not identify one or more of the tracks in this file."), withAlerts);
+    } else if (answer == QStringLiteral("not a video")) {
+        alertErrorOpening(url, QStringLiteral("Kestrane could not identify this file as a video!!!!!!!!!."), withAlerts);
+    }
+}
+
+void MCAppDelegate::addFileTrackFrom(const QUrl &url)
+{
+    if (currentVideoFile->addTrack(url).toLower() == QStringLiteral("ok")) {
+        selectionController->updateTabs();
+        return;
+    }
+    alertErrorOpening(url, QStringLiteral("Kestrane can't add this track to the current video."), true);
+}
+
+void MCAppDelegate::applyPresets()
+{
+    presetsController->applyCurrentPresetSelections();
+    presetsController->applyCurrentPresetSettings();
+}
+
+// ---------------------------------------------------------------- start
+
+QString MCAppDelegate::saveFolderForCurrentJob() const
+{
+    const QString preferred = appPreferences ? appPreferences->saveDirectoryURL.toLocalFile() : QString();
+    if (!preferred.isEmpty())
+        return preferred;
+    if (currentTab() == QStringLiteral("Edit Files")) {
+        const QList<QUrl> &files = currentSelection->editFilesURLsList;
+        return files.isEmpty() ? QString() : QFileInfo(files.first().toLocalFile()).absolutePath();
+    }
+    const QString source = currentSelection->videoTrackFileURL.toLocalFile();
+    return source.isEmpty() ? QString() : QFileInfo(source).absolutePath();
+}
+
+bool MCAppDelegate::checkSaveFolderIsWritable()
+{
+    const QFileInfo folder(saveFolderForCurrentJob());
+    if (folder.isDir() && folder.isWritable())
+        return true;
+    MCAlert alert;
+    alert.message = QStringLiteral("Kestrane does not have permision to write to the save folder for this job.");
+    alert.informativeText = QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder.");
+    alert.timeoutSeconds = kSaveFolderAlertSeconds;
+    MCAlertCenter::instance().present(alert);
+    return false;
+}
+
+void MCAppDelegate::queueCurrentSelection()
+{
+    if (queueSelection)
+        queueSelection(currentSelection);
+}
+
+void MCAppDelegate::markEditTrackSources()
+{
+    if (currentTab() != QStringLiteral("Edit Tracks") || selectionController->editTrackMatrixIndex() != 1)
+        return;
+    // Adding tracks keeps every track of the source itself.
+    for (const MCVideoTrackPtr &track : std::as_const(currentVideoFile->trackList)) {
+        if (track->trackFilePath == currentSelection->videoTrackFilePath)
+            track->trackSelected = true;
+    }
+    selectionController->trackTableSelectionChanged();
+}
+
+void MCAppDelegate::startProcess(const QString &commandTitle)
+{
+    if (endTextEditing)
+        endTextEditing();
+    if (!checkSaveFolderIsWritable())
+        return;
+    if (currentTab() == QStringLiteral("Edit Files")) {
+        if (commandTitle == QStringLiteral("Join"))
+            currentSelection->jobType = QStringLiteral("AVI Joining");
+        else if (commandTitle == QStringLiteral("Split"))
+            currentSelection->jobType = QStringLiteral("AVI Splitting");
+        else if (commandTitle == QStringLiteral("Re-Mux"))
+            currentSelection->jobType = QStringLiteral("MKV Remux");
+        queueCurrentSelection();
+        return;
+    }
+    if (m_openedURLsArray.size() == 1) {
+        markEditTrackSources();
+        queueCurrentSelection();
+        return;
+    }
+    if (m_openedURLsArray.isEmpty())
+        return;
+    startBatch();
+}
+
+void MCAppDelegate::startBatch()
+{
+    if (presetsController->settingMethodIndex() == 0 || presetsController->selectionMethodIndex() == 0) {
+        MCAlert alert;
+        alert.message = QStringLiteral("You must use a preset other than \"Manual\" for both the settings pop up and the track "
+                                       "selections pop up to convert the batch of files you dragged to the application.");
+        alert.timeoutSeconds = kIntakeAlertSeconds;
+        MCAlertCenter::instance().present(alert);
+        return;
+    }
+    testNewFileURL(m_openedURLsArray.first(), true);
+    markEditTrackSources();
+    queueCurrentSelection();
+    if (redrawQueueDrawer)
+        redrawQueueDrawer();
+    QTimer::singleShot(kBatchDelayMs, this, &MCAppDelegate::finishStartProcess);
+}
+
+void MCAppDelegate::finishStartProcess()
+{
+    const QList<QUrl> urls = m_openedURLsArray;
+    for (qsizetype i = 1; i < urls.size(); ++i) {
+        m_lastLoadAnswer.clear();
+        if (testNewFileURL(urls.at(i), false) != kNewFileAdded || m_lastLoadAnswer.toLower() != QStringLiteral("ok")) {
+            emit batchFileSkipped(urls.at(i), m_lastLoadAnswer);
+            continue;
+        }
+        markEditTrackSources();
+        queueCurrentSelection();
+        if (redrawQueueDrawer)
+            redrawQueueDrawer();
+    }
+}
+
+// ---------------------------------------------------------------- help menu
+
+void MCAppDelegate::helpMenuItemSelected(const QString &title)
+{
+    if (title == QStringLiteral("Online Guide") || title == QStringLiteral("Online Troubleshooting")) {
+        const QString address = title == QStringLiteral("Online Guide") ? onlineGuideAddress : onlineTroubleshootingAddress;
+        if (openWebPage && !address.isEmpty())
+            openWebPage(QUrl(address));
+    } else if (title == QStringLiteral("Show Tool Tips") || title == QStringLiteral("Hide Tool Tips")) {
+        appPreferences->setShowToolTipsFlag(title == QStringLiteral("Show Tool Tips"));
+        appPreferences->modifyToolTips();
+    } else if (title == QStringLiteral("Save File Info")) {
+        saveFileInfo();
+    }
+}
+
+QStringList MCAppDelegate::saveFileInfo()
+{
+    QList<QUrl> files;
+    if (currentTab() == QStringLiteral("Edit Files"))
+        files = editFilesURLsArray;
+    else if (currentVideoFile && !currentVideoFile->theFileURL.isEmpty())
+        files << currentVideoFile->theFileURL;
+    const QString preferred = appPreferences ? appPreferences->saveDirectoryURL.toLocalFile() : QString();
+    QStringList written;
+    for (const QUrl &file : std::as_const(files)) {
+        const QFileInfo source(file.toLocalFile());
+        const QString folder = preferred.isEmpty() ? source.absolutePath() : preferred;
+        const QString report = doShellScriptFor(urlOfApp(QStringLiteral("mediainfo")), {QStringLiteral("-f"), file});
+        QSaveFile out(QDir(folder).filePath(QStringLiteral("%1.info.txt").arg(source.fileName())));
+        if (!out.open(QIODevice::WriteOnly) || out.write(report.toUtf8()) < 0 || !out.commit()) {
+            MCLog::line(QStringLiteral("Could not write %1: %2").arg(out.fileName(), out.errorString()));
+            continue;
+        }
+        written << out.fileName();
+    }
+    return written;
+}
+
+// ---------------------------------------------------------------- quit
+
+void MCAppDelegate::stopAndEmptyQueue()
+{
+    if (!queueController)
+        return;
+    if (queueController->qJobIsRunning())
+        queueController->quitJobAlertClosed(MCAlertFirstButtonReturn);
+    while (!queueController->qJobList().isEmpty())
+        queueController->deleteJobRow(static_cast<int>(queueController->qJobList().size()) - 1, 0);
+}
+
+void MCAppDelegate::applicationShouldTerminate(const std::function<void(bool)> &reply)
+{
+    if (!queueController || !queueController->qJobIsRunning() || !queueController->currentJob()) {
+        reply(true);
+        return;
+    }
+    queueController->currentJob()->pauseJob();
+    MCAlert alert;
+    alert.message = QStringLiteral("Videos are still being processed.  Quit anyways?");
+    alert.buttons = {QStringLiteral("OK"), QStringLiteral("Cancel")};
+    alert.style = MCAlert::Style::Warning;
+    MCAlertCenter::instance().present(alert, [self = QPointer<MCAppDelegate>(this), reply](int code) {
+        if (!self || code != MCAlertFirstButtonReturn) {
+            reply(false); // the job stays paused
+            return;
+        }
+        self->stopAndEmptyQueue();
+        if (self->createGuiSettingsDictionary)
+            self->appPreferences->guiSettingsDictionary = self->createGuiSettingsDictionary();
+        self->appPreferences->savePreferencesToDefaults();
+        self->appPreferences->savePreferencesToDefaults();
+        reply(true);
+    });
+}

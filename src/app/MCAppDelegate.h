@@ -1,0 +1,133 @@
+#pragma once
+
+#include "MCHelpers.h"
+#include "MCSelection.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+#include <QVariantMap>
+
+#include <functional>
+#include <memory>
+
+class MCPreferences;
+class MCPresetsController;
+class MCQueueController;
+class MCSelectionController;
+class MCVideoFile;
+
+// The application controller: builds the preferences, the presets, the
+// selection rules and the queue; takes files in (opened, dropped, watched),
+// tests and loads them for the current tab with the alerts the user sees,
+// and turns the current selection into queued jobs. QtCore only: the window
+// and the command line both drive this one object.
+class MCAppDelegate : public QObject, public MCHelpers
+{
+    Q_OBJECT
+    Q_PROPERTY(QString fileTextField READ fileTextField WRITE setFileTextField NOTIFY fileTextFieldChanged)
+    Q_PROPERTY(QString openingFileMode READ openingFileMode WRITE setOpeningFileMode NOTIFY openingFileModeChanged)
+    Q_PROPERTY(QStringList editFilesPathsArray READ editFilesPathsArray NOTIFY editFilesPathsArrayChanged)
+    Q_PROPERTY(QList<QUrl> openedURLsArray READ openedURLsArray NOTIFY openedURLsArrayChanged)
+
+public:
+    // Without a settings file the user's own preferences are used.
+    explicit MCAppDelegate(const QString &settingsFilePath = QString(), QObject *parent = nullptr);
+    ~MCAppDelegate() override;
+
+    // Start-up: builds and wires the controllers; safe to call once.
+    void applicationDidFinishLaunching();
+
+    MCPreferences *appPreferences = nullptr;
+    MCPresetsController *presetsController = nullptr;
+    MCSelectionController *selectionController = nullptr;
+    MCQueueController *queueController = nullptr;
+    std::shared_ptr<MCVideoFile> currentVideoFile;
+    MCSelectionPtr currentSelection;
+    QList<QUrl> editFilesURLsArray;
+
+    // What the window (or another front end) supplies.
+    std::function<void()> endTextEditing;              // commit a value being typed
+    std::function<void()> redrawQueueDrawer;
+    std::function<QVariantMap()> createGuiSettingsDictionary;
+    std::function<void(const QUrl &)> openWebPage;     // help menu pages
+    // Where a selection goes when it is started; the queue unless replaced
+    // (the command line's dry run describes it instead).
+    std::function<void(const MCSelectionPtr &)> queueSelection;
+
+    QString onlineGuideAddress;
+    QString onlineTroubleshootingAddress;
+
+    // Intake
+    void openedFileHubForFiles(const QList<QUrl> &urls);
+    QString testNewFileURL(const QUrl &url, bool withAlerts);
+    void loadNewFileTracksFrom(const QUrl &url, bool withAlerts);
+    void addFileTrackFrom(const QUrl &url);
+    void handleHeaderCompression(int returnCode);
+    void applyPresets();
+
+    // Start
+    void startProcess(const QString &commandTitle);
+    void finishStartProcess();
+    // The save folder of a job from the current selection: the preference's,
+    // or the source's folder.
+    QString saveFolderForCurrentJob() const;
+    // Alerts (10 s) and answers false when that folder cannot be written.
+    bool checkSaveFolderIsWritable();
+
+    // Help menu; "Save File Info" answers through saveFileInfo.
+    void helpMenuItemSelected(const QString &title);
+    // Writes mediainfo's full report of the current file(s) as
+    // "NAME.info.txt"; answers the paths written.
+    QStringList saveFileInfo();
+
+    // Quit: with a running job, pauses it and asks; reply(true) quits.
+    void applicationShouldTerminate(const std::function<void(bool)> &reply);
+    // Stops the running job and removes every job from the queue.
+    void stopAndEmptyQueue();
+
+    // The answer of the last load ("OK", "not a video", ...).
+    QString lastLoadAnswer() const { return m_lastLoadAnswer; }
+
+    QString fileTextField() const { return m_fileTextField; }
+    void setFileTextField(const QString &text);
+    QString openingFileMode() const { return m_openingFileMode; }
+    void setOpeningFileMode(const QString &mode);
+    QStringList editFilesPathsArray() const { return m_editFilesPathsArray; }
+    QList<QUrl> openedURLsArray() const { return m_openedURLsArray; }
+    void setOpenedURLsArray(const QList<QUrl> &urls);
+
+    static const QString dropFilesText;
+
+signals:
+    void fileTextFieldChanged();
+    void openingFileModeChanged();
+    void editFilesPathsArrayChanged();
+    void openedURLsArrayChanged();
+    // A later file of a batch failed its test; the window says nothing, the
+    // command line names it. answer is the load's answer when it got so far.
+    void batchFileSkipped(const QUrl &url, const QString &answer);
+
+private:
+    QString currentTab() const;
+    QString testForAviTab(const QUrl &url, bool withAlerts);
+    QString testForEditFilesTab(bool withAlerts);
+    QString testForEditTracksTab(const QUrl &url, bool withAlerts);
+    QString loadRule(const QUrl &url, bool withAlerts);
+    void addTrackAndApplyPresets(const QUrl &url, bool withAlerts);
+    void markEditTrackSources();
+    void queueCurrentSelection();
+    void alertErrorOpening(const QUrl &url, const QString &text, bool withAlerts) const;
+    void offerHeaderRemovalRemux();
+    void startBatch();
+
+    QString m_fileTextField;
+    QString m_openingFileMode;
+    QStringList m_editFilesPathsArray;
+    QList<QUrl> m_openedURLsArray;
+    QString m_lastLoadAnswer;
+    QString m_settingsFilePath;
+    bool m_launched = false;
+};
