@@ -1,9 +1,14 @@
 #include "MCCommandLine.h"
 
+#include "MCCliOptions.h"
+#include "MCCliSession.h"
+#include "MCInspectReport.h"
 #include "MCVideoFile.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 #include <cstdio>
 
@@ -13,6 +18,7 @@ void printOut(const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
     std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+    std::fflush(stdout);
 }
 
 void printError(const QString &text)
@@ -30,52 +36,105 @@ MCCommandLine::MCCommandLine(QStringList arguments)
 
 int MCCommandLine::run()
 {
-    QStringList rest = m_arguments.mid(1);
-    if (rest.isEmpty()) {
-        printHelp();
+    MCCliOptions options;
+    if (const std::optional<QString> error = MCCliOptions::parse(m_arguments.mid(1), options)) {
+        printError(QStringLiteral("kestrane-cli: %1\nTry 'kestrane-cli --help' for more information.").arg(*error));
         return 2;
     }
-    const QString command = rest.takeFirst();
-    if (command == QStringLiteral("--help") || command == QStringLiteral("-h")) {
-        printHelp();
+    if (options.help) {
+        printOut(helpText());
         return 0;
     }
-    if (command == QStringLiteral("--version")) {
-        printOut(QStringLiteral("kestrane-cli %1\n").arg(QCoreApplication::applicationVersion()));
+    if (options.version) {
+        printOut(versionText());
         return 0;
     }
-    if (command == QStringLiteral("inspect"))
-        return inspect(rest);
-    printError(QStringLiteral("kestrane-cli: unknown command '%1' (see --help)").arg(command));
-    return 2;
+    if (options.command == QStringLiteral("inspect"))
+        return inspect(options);
+    return MCCliSession(options).run();
 }
 
-int MCCommandLine::inspect(const QStringList &files)
+int MCCommandLine::inspect(const MCCliOptions &options)
 {
-    if (files.isEmpty()) {
-        printError(QStringLiteral("kestrane-cli inspect: no file given"));
-        return 2;
-    }
     int status = 0;
-    for (const QString &path : files) {
-        MCVideoFile file;
-        const QString answer = file.initializeForURL(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
-        if (answer != QStringLiteral("OK")) {
-            printError(QStringLiteral("%1: %2").arg(path, answer));
+    QJsonArray files;
+    for (const QString &path : options.files) {
+        const QFileInfo info(path);
+        if (!info.isFile()) {
+            printError(QStringLiteral("kestrane-cli: %1: %2").arg(path, info.exists() ? QStringLiteral("Not a regular file")
+                                                                                      : QStringLiteral("No such file or directory")));
             status = 1;
             continue;
         }
-        printOut(file.stringFromFileProperties());
+        MCVideoFile file;
+        const QString answer = file.initializeForURL(QUrl::fromLocalFile(info.absoluteFilePath()));
+        if (answer != QStringLiteral("OK")) {
+            printError(QStringLiteral("kestrane-cli: %1: %2").arg(path, answer));
+            status = 1;
+            continue;
+        }
+        if (options.json)
+            files.append(MCInspectReport::fileObject(file));
+        else
+            printOut(file.stringFromFileProperties());
     }
+    if (options.json)
+        printOut(QString::fromUtf8(QJsonDocument(files).toJson(QJsonDocument::Indented)));
     return status;
 }
 
-void MCCommandLine::printHelp()
+QString MCCommandLine::versionText()
 {
-    printOut(QStringLiteral("Usage: kestrane-cli COMMAND [OPTION]... FILE...\n"
-                            "Convert and edit video files with Kestrane's presets and jobs, without a window.\n\n"
-                            "Commands:\n"
-                            "  inspect FILE...   print each file's properties and tracks\n\n"
-                            "  --help            show this help and exit\n"
-                            "  --version         show the version and exit\n"));
+    return QStringLiteral("kestrane-cli (Kestrane) %1\n").arg(QCoreApplication::applicationVersion());
+}
+
+QString MCCommandLine::helpText()
+{
+    return QStringLiteral(
+        "Usage: kestrane-cli COMMAND [OPTION]... FILE...\n"
+        "Convert and edit video files with Kestrane's presets and jobs, without a window.\n"
+        "\n"
+        "Commands:\n"
+        "  inspect FILE...           print each file's properties and tracks\n"
+        "  convert FILE...           convert to an MPEG-4 AVI (several files: a batch)\n"
+        "  join FILE...              join AVI files into one\n"
+        "  split FILE                split an AVI file by time or by size\n"
+        "  extract FILE              extract tracks of an AVI file into files of their own\n"
+        "  add-audio FILE AUDIO...   add audio files as tracks of an AVI file\n"
+        "  remux FILE                copy an MKV file without header-removal compression\n"
+        "\n"
+        "Options of inspect:\n"
+        "      --json                one JSON object per file, with one per track\n"
+        "\n"
+        "Options of convert (and --tracks, --selection-preset for extract):\n"
+        "      --selection-preset NAME   track-selection preset (default \"First Track\")\n"
+        "      --settings-preset NAME    settings preset (default \"Manual\")\n"
+        "      --tracks LIST         tracks to use, by position: 1,2,4\n"
+        "      --device NAME         General, DivX DVD, PS3 or Xbox\n"
+        "      --video MODE          passthru, mpeg4 or mpeg4-2pass\n"
+        "      --bitrate KBPS        video bit rate\n"
+        "      --width PX            video width (never above the source's)\n"
+        "      --audio MODE          passthru, mp3 or ac3\n"
+        "      --audio-bitrate KBPS  128, 160, 192, 224, 256, 320, 384, 448, 512 or 640\n"
+        "      --stereo-copy         add a stereo copy of the audio track\n"
+        "      --subtitles MODE      burn or extract\n"
+        "      --remux-header-removal yes|no\n"
+        "                            answer the offer to remux an MKV file that uses\n"
+        "                            header-removal compression (default no)\n"
+        "\n"
+        "Options of split:\n"
+        "      --time HH:MM:SS-HH:MM:SS  keep this range\n"
+        "      --size MB --pieces N      N pieces of MB megabytes\n"
+        "\n"
+        "Options of every command:\n"
+        "      --settings FILE       use this settings file instead of the user's\n"
+        "      --save-dir DIR        write results into DIR for this run\n"
+        "      --dry-run             print what would be done and the tool commands;\n"
+        "                            queue nothing, write nothing\n"
+        "      --quiet               print only one line per finished job\n"
+        "  -h, --help                show this help and exit\n"
+        "      --version             show the version and exit\n"
+        "\n"
+        "Exit status: 0 when every job completed and wrote its output, 1 when a file\n"
+        "or a job failed, 2 for bad usage, 128+N when stopped by signal N.\n");
 }

@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+struct MCCliOptions;
+
 // kestrane-cli's commands: parses the arguments and runs one command.
 class MCCommandLine
 {
@@ -11,9 +13,11 @@ public:
     // The exit status: 0 done, 1 a file or job failed, 2 bad usage.
     int run();
 
+    static QString helpText();
+    static QString versionText();
+
 private:
-    int inspect(const QStringList &files);
-    static void printHelp();
+    static int inspect(const MCCliOptions &options);
 
     QStringList m_arguments;
 };

@@ -1,0 +1,231 @@
+#include "MCCliOptions.h"
+
+#include <QRegularExpression>
+
+#include <functional>
+
+namespace {
+
+using Setter = std::function<std::optional<QString>(MCCliOptions &, const QString &)>;
+
+struct OptionSpec
+{
+    QString name;
+    bool takesValue;
+    QStringList commands; // empty: accepted with every command
+    Setter set;
+};
+
+std::optional<QString> oneOf(const QString &option, const QString &value, const QStringList &allowed, QString &field)
+{
+    if (!allowed.contains(value))
+        return QStringLiteral("invalid argument '%1' for '%2' (valid: %3)").arg(value, option, allowed.join(QStringLiteral(", ")));
+    field = value;
+    return std::nullopt;
+}
+
+std::optional<QString> positiveNumber(const QString &option, const QString &value, QString &field)
+{
+    bool ok = false;
+    const int number = value.toInt(&ok);
+    if (!ok || number <= 0)
+        return QStringLiteral("invalid argument '%1' for '%2' (a positive whole number)").arg(value, option);
+    field = QString::number(number);
+    return std::nullopt;
+}
+
+std::optional<QString> trackList(const QString &value, MCCliOptions &options)
+{
+    QList<int> positions;
+    for (const QString &part : value.split(QLatin1Char(','))) {
+        bool ok = false;
+        const int position = part.trimmed().toInt(&ok);
+        if (!ok || position < 1)
+            return QStringLiteral("invalid argument '%1' for '--tracks' (track numbers from 1, e.g. 1,2,4)").arg(value);
+        if (!positions.contains(position))
+            positions << position;
+    }
+    options.tracks = positions;
+    return std::nullopt;
+}
+
+std::optional<QString> timeRange(const QString &value, MCCliOptions &options)
+{
+    static const QRegularExpression pattern(QStringLiteral("^(\\d{1,2}:[0-5]\\d:[0-5]\\d)-(\\d{1,2}:[0-5]\\d:[0-5]\\d)$"));
+    const QRegularExpressionMatch match = pattern.match(value);
+    if (!match.hasMatch())
+        return QStringLiteral("invalid argument '%1' for '--time' (HH:MM:SS-HH:MM:SS)").arg(value);
+    const auto padded = [](const QString &time) { return time.size() == 7 ? QLatin1Char('0') + time : time; };
+    options.startTime = padded(match.captured(1));
+    options.endTime = padded(match.captured(2));
+    return std::nullopt;
+}
+
+const QStringList kConvert{QStringLiteral("convert")};
+
+const QList<OptionSpec> &optionSpecs()
+{
+    static const QList<OptionSpec> specs{
+        {QStringLiteral("help"), false, {}, [](MCCliOptions &o, const QString &) { o.help = true; return std::optional<QString>(); }},
+        {QStringLiteral("version"), false, {}, [](MCCliOptions &o, const QString &) { o.version = true; return std::optional<QString>(); }},
+        {QStringLiteral("dry-run"), false, {}, [](MCCliOptions &o, const QString &) { o.dryRun = true; return std::optional<QString>(); }},
+        {QStringLiteral("quiet"), false, {}, [](MCCliOptions &o, const QString &) { o.quiet = true; return std::optional<QString>(); }},
+        {QStringLiteral("settings"), true, {}, [](MCCliOptions &o, const QString &v) { o.settingsFile = v; return std::optional<QString>(); }},
+        {QStringLiteral("save-dir"), true, {}, [](MCCliOptions &o, const QString &v) { o.saveDir = v; return std::optional<QString>(); }},
+        {QStringLiteral("json"), false, {QStringLiteral("inspect")}, [](MCCliOptions &o, const QString &) { o.json = true; return std::optional<QString>(); }},
+        {QStringLiteral("selection-preset"), true, {QStringLiteral("convert"), QStringLiteral("extract")},
+         [](MCCliOptions &o, const QString &v) { o.selectionPreset = v; return std::optional<QString>(); }},
+        {QStringLiteral("settings-preset"), true, kConvert, [](MCCliOptions &o, const QString &v) { o.settingsPreset = v; return std::optional<QString>(); }},
+        {QStringLiteral("tracks"), true, {QStringLiteral("convert"), QStringLiteral("extract")}, [](MCCliOptions &o, const QString &v) { return trackList(v, o); }},
+        {QStringLiteral("device"), true, kConvert,
+         [](MCCliOptions &o, const QString &v) {
+             return oneOf(QStringLiteral("--device"), v, {QStringLiteral("General"), QStringLiteral("DivX DVD"), QStringLiteral("PS3"), QStringLiteral("Xbox")}, o.device);
+         }},
+        {QStringLiteral("video"), true, kConvert,
+         [](MCCliOptions &o, const QString &v) {
+             return oneOf(QStringLiteral("--video"), v, {QStringLiteral("passthru"), QStringLiteral("mpeg4"), QStringLiteral("mpeg4-2pass")}, o.video);
+         }},
+        {QStringLiteral("bitrate"), true, kConvert, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--bitrate"), v, o.bitrate); }},
+        {QStringLiteral("width"), true, kConvert, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--width"), v, o.width); }},
+        {QStringLiteral("audio"), true, kConvert,
+         [](MCCliOptions &o, const QString &v) {
+             return oneOf(QStringLiteral("--audio"), v, {QStringLiteral("passthru"), QStringLiteral("mp3"), QStringLiteral("ac3")}, o.audio);
+         }},
+        {QStringLiteral("audio-bitrate"), true, kConvert,
+         [](MCCliOptions &o, const QString &v) { return oneOf(QStringLiteral("--audio-bitrate"), v, MCCliOptions::audioBitRates(), o.audioBitrate); }},
+        {QStringLiteral("stereo-copy"), false, kConvert, [](MCCliOptions &o, const QString &) { o.stereoCopy = true; return std::optional<QString>(); }},
+        {QStringLiteral("subtitles"), true, kConvert,
+         [](MCCliOptions &o, const QString &v) { return oneOf(QStringLiteral("--subtitles"), v, {QStringLiteral("burn"), QStringLiteral("extract")}, o.subtitles); }},
+        {QStringLiteral("remux-header-removal"), true, kConvert,
+         [](MCCliOptions &o, const QString &v) {
+             return oneOf(QStringLiteral("--remux-header-removal"), v, {QStringLiteral("yes"), QStringLiteral("no")}, o.remuxHeaderRemoval);
+         }},
+        {QStringLiteral("time"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return timeRange(v, o); }},
+        {QStringLiteral("size"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--size"), v, o.sizeMB); }},
+        {QStringLiteral("pieces"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--pieces"), v, o.pieces); }},
+    };
+    return specs;
+}
+
+const OptionSpec *findSpec(const QString &name)
+{
+    for (const OptionSpec &spec : optionSpecs()) {
+        if (spec.name == name)
+            return &spec;
+    }
+    return nullptr;
+}
+
+struct PendingOption
+{
+    const OptionSpec *spec;
+    QString value;
+};
+
+std::optional<QString> checkCommandRules(const MCCliOptions &options)
+{
+    if (options.command == QStringLiteral("split")) {
+        const bool byTime = !options.startTime.isEmpty();
+        const bool bySize = !options.sizeMB.isEmpty() || !options.pieces.isEmpty();
+        if (byTime == bySize)
+            return QStringLiteral("split needs either --time HH:MM:SS-HH:MM:SS or --size MB --pieces N");
+        if (bySize && (options.sizeMB.isEmpty() || options.pieces.isEmpty()))
+            return QStringLiteral("split by size needs both --size MB and --pieces N");
+        if (options.files.size() != 1)
+            return QStringLiteral("split takes exactly one file");
+    }
+    if (options.command == QStringLiteral("add-audio") && options.files.size() < 2)
+        return QStringLiteral("add-audio needs an AVI file and at least one audio file");
+    if (options.command == QStringLiteral("join") && options.files.size() < 2)
+        return QStringLiteral("join needs at least two files");
+    if ((options.command == QStringLiteral("extract") || options.command == QStringLiteral("remux")) && options.files.size() != 1)
+        return QStringLiteral("%1 takes exactly one file").arg(options.command);
+    if (options.files.isEmpty())
+        return QStringLiteral("%1: no file given").arg(options.command);
+    return std::nullopt;
+}
+
+} // namespace
+
+bool MCCliOptions::hasExplicitSettings() const
+{
+    return !device.isEmpty() || !video.isEmpty() || !bitrate.isEmpty() || !width.isEmpty() || !audio.isEmpty()
+           || !audioBitrate.isEmpty() || stereoCopy || !subtitles.isEmpty();
+}
+
+const QStringList &MCCliOptions::commands()
+{
+    static const QStringList names{QStringLiteral("inspect"), QStringLiteral("convert"), QStringLiteral("join"), QStringLiteral("split"),
+                                   QStringLiteral("extract"), QStringLiteral("add-audio"), QStringLiteral("remux")};
+    return names;
+}
+
+const QStringList &MCCliOptions::audioBitRates()
+{
+    static const QStringList rates{QStringLiteral("128"), QStringLiteral("160"), QStringLiteral("192"), QStringLiteral("224"),
+                                   QStringLiteral("256"), QStringLiteral("320"), QStringLiteral("384"), QStringLiteral("448"),
+                                   QStringLiteral("512"), QStringLiteral("640")};
+    return rates;
+}
+
+std::optional<QString> MCCliOptions::parse(const QStringList &arguments, MCCliOptions &out)
+{
+    QList<PendingOption> pending;
+    bool optionsEnded = false;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
+        if (optionsEnded || !argument.startsWith(QLatin1Char('-')) || argument == QStringLiteral("-")) {
+            if (out.command.isEmpty() && !optionsEnded)
+                out.command = argument;
+            else
+                out.files << argument;
+            continue;
+        }
+        if (argument == QStringLiteral("--")) {
+            optionsEnded = true;
+            continue;
+        }
+        if (argument == QStringLiteral("-h")) {
+            out.help = true;
+            continue;
+        }
+        if (!argument.startsWith(QStringLiteral("--")))
+            return QStringLiteral("invalid option -- '%1'").arg(argument.mid(1));
+        const qsizetype equals = argument.indexOf(QLatin1Char('='));
+        const QString name = argument.mid(2, equals < 0 ? -1 : equals - 2);
+        const OptionSpec *spec = findSpec(name);
+        if (!spec)
+            return QStringLiteral("unrecognized option '--%1'").arg(name);
+        QString value;
+        if (spec->takesValue) {
+            if (equals >= 0) {
+                value = argument.mid(equals + 1);
+            } else if (i + 1 < arguments.size()) {
+                value = arguments.at(++i);
+            } else {
+                return QStringLiteral("option '--%1' requires an argument").arg(name);
+            }
+        } else if (equals >= 0) {
+            return QStringLiteral("option '--%1' doesn't allow an argument").arg(name);
+        }
+        if (spec->commands.isEmpty()) {
+            if (const std::optional<QString> error = spec->set(out, value))
+                return error;
+            continue;
+        }
+        pending << PendingOption{spec, value};
+    }
+    if (out.help || out.version)
+        return std::nullopt;
+    if (out.command.isEmpty())
+        return QStringLiteral("no command given");
+    if (!commands().contains(out.command))
+        return QStringLiteral("unknown command '%1'").arg(out.command);
+    for (const PendingOption &option : pending) {
+        if (!option.spec->commands.contains(out.command))
+            return QStringLiteral("option '--%1' does not apply to %2").arg(option.spec->name, out.command);
+        if (const std::optional<QString> error = option.spec->set(out, option.value))
+            return error;
+    }
+    return checkCommandRules(out);
+}

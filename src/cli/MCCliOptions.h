@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// What the command line asked for: one command, its files and the options.
+// Options that take a value accept "--name VALUE" and "--name=VALUE", and
+// the global ones may stand before or after the command.
+struct MCCliOptions
+{
+    QString command;
+    QStringList files;
+
+    // Global
+    bool help = false;
+    bool version = false;
+    bool dryRun = false;
+    bool quiet = false;
+    QString settingsFile;
+    QString saveDir;
+
+    // inspect
+    bool json = false;
+
+    // convert (and the track choice of extract)
+    QString selectionPreset;
+    QString settingsPreset;
+    std::optional<QList<int>> tracks; // 1-based positions in the file's track list
+    QString device;
+    QString video;   // passthru, mpeg4, mpeg4-2pass
+    QString bitrate; // kbit/s
+    QString width;
+    QString audio;   // passthru, mp3, ac3
+    QString audioBitrate;
+    bool stereoCopy = false;
+    QString subtitles; // burn, extract
+    QString remuxHeaderRemoval; // yes, no; empty: no
+
+    // split
+    QString startTime; // HH:MM:SS
+    QString endTime;
+    QString sizeMB;
+    QString pieces;
+
+    // Whether any of the explicit conversion choices was given.
+    bool hasExplicitSettings() const;
+
+    static const QStringList &commands();
+    // The audio bit rates the window offers.
+    static const QStringList &audioBitRates();
+
+    // Parses the arguments (without the program name). Answers an error
+    // text for bad usage, or nothing.
+    static std::optional<QString> parse(const QStringList &arguments, MCCliOptions &out);
+};

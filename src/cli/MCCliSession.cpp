@@ -1,0 +1,468 @@
+#include "MCCliSession.h"
+
+#include "MCAlertCenter.h"
+#include "MCAppDelegate.h"
+#include "MCCliAlertPresenter.h"
+#include "MCDryRun.h"
+#include "MCJob.h"
+#include "MCJobWatcher.h"
+#include "MCNotificationCenter.h"
+#include "MCPreferences.h"
+#include "MCPresetsController.h"
+#include "MCProgressPrinter.h"
+#include "MCQueueController.h"
+#include "MCSelectionController.h"
+#include "MCSignalWatcher.h"
+#include "MCVideoFile.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+const QString kProgram = QStringLiteral("kestrane-cli");
+const QString kHeaderRemovalQuestion = QStringLiteral("This video appears to have header removal compression.");
+
+// Long enough for a batch's later files, which the controller takes in
+// 0.4 s after the start.
+constexpr int kSettleMs = 600;
+constexpr int kPollMs = 100;
+
+void printError(const QString &text)
+{
+    const QByteArray bytes = (text + QLatin1Char('\n')).toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+    std::fflush(stderr);
+}
+
+QString fileNameOf(const QString &path)
+{
+    return QFileInfo(path).fileName();
+}
+
+int countOf(const MCTrackList &tracks, const QStringList &types)
+{
+    int count = 0;
+    for (const MCVideoTrackPtr &track : tracks)
+        count += (track && track->trackSelected && types.contains(track->trackType)) ? 1 : 0;
+    return count;
+}
+
+} // namespace
+
+MCCliSession::MCCliSession(MCCliOptions options, QObject *parent)
+    : QObject(parent)
+    , m_options(std::move(options))
+{
+}
+
+MCCliSession::~MCCliSession()
+{
+    MCAlertCenter::instance().setPresenter(nullptr);
+}
+
+void MCCliSession::fail(const QString &text)
+{
+    printError(text);
+    m_status = 1;
+}
+
+int MCCliSession::run()
+{
+    if (const int usage = setUp(); usage >= 0)
+        return usage;
+    auto *signalWatcher = new MCSignalWatcher(this);
+    connect(signalWatcher, &MCSignalWatcher::signalled, this, &MCCliSession::interrupted);
+
+    const QString &command = m_options.command;
+    int usage = -1;
+    if (command == QStringLiteral("convert"))
+        usage = convert();
+    else if (command == QStringLiteral("join"))
+        usage = join();
+    else if (command == QStringLiteral("split"))
+        usage = split();
+    else if (command == QStringLiteral("extract"))
+        usage = extract();
+    else if (command == QStringLiteral("add-audio"))
+        usage = addAudio();
+    else if (command == QStringLiteral("remux"))
+        usage = remux();
+    if (usage >= 0)
+        return usage;
+    return finish();
+}
+
+int MCCliSession::setUp()
+{
+    const bool remuxAnswer = m_options.remuxHeaderRemoval == QStringLiteral("yes");
+    MCAlertCenter::instance().setPresenter(std::make_shared<MCCliAlertPresenter>([remuxAnswer](const MCAlert &alert) {
+        if (alert.message.startsWith(kHeaderRemovalQuestion))
+            return remuxAnswer ? MCAlertFirstButtonReturn : MCAlertSecondButtonReturn;
+        return MCAlertFirstButtonReturn;
+    }));
+
+    m_app = std::make_unique<MCAppDelegate>(m_options.settingsFile);
+    m_app->applicationDidFinishLaunching();
+    if (!m_options.saveDir.isEmpty()) {
+        // For this run only: the preference itself is never saved from here.
+        m_app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(QFileInfo(m_options.saveDir).absoluteFilePath());
+    }
+    m_app->queueSelection = [this](const MCSelectionPtr &selection) { takeSelection(selection); };
+    connect(m_app.get(), &MCAppDelegate::batchFileSkipped, this, [this](const QUrl &url, const QString &answer) {
+        const QString why = answer.compare(QStringLiteral("track not identified"), Qt::CaseInsensitive) == 0
+                                ? QStringLiteral("Kestrane could not identify one or more of the tracks in this file.")
+                                : QStringLiteral("Kestrane could not identify this file as a video!!!!!!!!!.");
+        fail(QStringLiteral("Error Opening: %1: %2").arg(url.fileName(), why));
+    });
+
+    m_printer = std::make_unique<MCProgressPrinter>(MCProgressPrinter::modeFor(stdout, m_options.quiet));
+    if (m_options.dryRun)
+        m_dryRun = new MCDryRun(stdout, this);
+    else
+        m_watcher = new MCJobWatcher(m_app->queueController, m_printer.get(), this);
+    return choosePresets();
+}
+
+int MCCliSession::choosePresets()
+{
+    MCPresetsController *presets = m_app->presetsController;
+    const auto pick = [](const QString &kind, const QString &name, const QStringList &names) {
+        const qsizetype index = names.indexOf(name);
+        if (index < 0)
+            printError(QStringLiteral("%1: unknown %2 preset '%3' (known: %4)").arg(kProgram, kind, name, names.join(QStringLiteral(", "))));
+        return static_cast<int>(index);
+    };
+    const QStringList selectionNames = presets->presetSelectionsNamesList;
+    int selection = 0;
+    if (!m_options.selectionPreset.isEmpty())
+        selection = pick(QStringLiteral("selection"), m_options.selectionPreset, selectionNames);
+    else if (!m_options.tracks)
+        selection = static_cast<int>(selectionNames.indexOf(QStringLiteral("First Track")));
+    int settings = 0;
+    if (!m_options.settingsPreset.isEmpty())
+        settings = pick(QStringLiteral("settings"), m_options.settingsPreset, presets->presetSettingsNamesList);
+    if (selection < 0 || settings < 0)
+        return 2;
+    presets->setSelectionMethodIndex(selection);
+    presets->setSettingMethodIndex(settings);
+    return -1;
+}
+
+// ---------------------------------------------------------------- intake
+
+QList<QUrl> MCCliSession::checkedFiles(const QStringList &paths)
+{
+    QList<QUrl> urls;
+    for (const QString &path : paths) {
+        const QFileInfo info(path);
+        if (!info.exists())
+            fail(QStringLiteral("%1: %2: No such file or directory").arg(kProgram, path));
+        else if (!info.isFile())
+            fail(QStringLiteral("%1: %2: Not a regular file").arg(kProgram, path));
+        else if (!info.isReadable())
+            fail(QStringLiteral("%1: %2: Permission denied").arg(kProgram, path));
+        else
+            urls << QUrl::fromLocalFile(info.absoluteFilePath());
+    }
+    return urls;
+}
+
+void MCCliSession::openFiles(const QString &tab, const QList<QUrl> &urls)
+{
+    m_app->selectionController->setCurrentTab(tab);
+    m_app->setOpeningFileMode(QStringLiteral("open"));
+    m_app->openedFileHubForFiles(urls);
+}
+
+bool MCCliSession::loaded(const QUrl &url) const
+{
+    const MCVideoFile &file = *m_app->currentVideoFile;
+    return !file.trackList.isEmpty() && file.theFileURL.toLocalFile() == url.toLocalFile();
+}
+
+bool MCCliSession::selectTracks(const QList<int> &positions, const QUrl &url)
+{
+    const MCTrackList &tracks = m_app->currentVideoFile->trackList;
+    for (const int position : positions) {
+        if (position > tracks.size()) {
+            fail(QStringLiteral("%1: %2: there is no track %3 (the file has %4)").arg(kProgram, url.fileName()).arg(position).arg(tracks.size()));
+            return false;
+        }
+    }
+    for (qsizetype i = 0; i < tracks.size(); ++i)
+        tracks.at(i)->trackSelected = positions.contains(static_cast<int>(i + 1));
+    // As a click in the track table: the track preset no longer applies.
+    m_app->selectionController->trackTableSelectionChanged(MCSelectionController::senderTrackTable);
+    return true;
+}
+
+void MCCliSession::applyExplicitSettings()
+{
+    MCSelectionController *rules = m_app->selectionController;
+    if (m_options.stereoCopy) {
+        rules->setAddStereoTrackButton(1);
+        // The check box rebuilds the stereo copies on the next turn of the loop.
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+    if (!m_options.device.isEmpty())
+        rules->setMp4Device(m_options.device);
+    if (!m_options.video.isEmpty())
+        rules->setVideoMatrixIndex(static_cast<int>(QStringList{QStringLiteral("passthru"), QStringLiteral("mpeg4"), QStringLiteral("mpeg4-2pass")}.indexOf(m_options.video)));
+    if (!m_options.bitrate.isEmpty())
+        rules->setEnteredUserVideoBitRate(m_options.bitrate);
+    if (!m_options.width.isEmpty())
+        rules->setEnteredUserWidth(m_options.width);
+    if (!m_options.audio.isEmpty())
+        rules->setAudioMatrixIndex(static_cast<int>(QStringList{QStringLiteral("passthru"), QStringLiteral("mp3"), QStringLiteral("ac3")}.indexOf(m_options.audio)));
+    if (!m_options.audioBitrate.isEmpty())
+        m_app->currentSelection->userAudioBitRate = m_options.audioBitrate;
+    if (!m_options.subtitles.isEmpty())
+        rules->setSubtitleMatrixIndex(m_options.subtitles == QStringLiteral("burn") ? 0 : 1);
+    rules->updateTabs();
+}
+
+void MCCliSession::takeSelection(const MCSelectionPtr &selection)
+{
+    const bool converting = m_options.command == QStringLiteral("convert") && selection->jobType != QStringLiteral("MKV Remux");
+    if (converting) {
+        // A file that did not load has had its alert already.
+        if (m_app->currentVideoFile->trackList.isEmpty())
+            return;
+        applyExplicitSettings();
+        QString why;
+        if (!startAllowed(&why)) {
+            fail(QStringLiteral("%1: %2: %3").arg(kProgram, fileNameOf(selection->videoTrackFilePath), why));
+            return;
+        }
+    }
+    if (m_dryRun) {
+        m_dryRun->take(selection, *m_app->currentVideoFile);
+        ++m_queued;
+        return;
+    }
+    MCQueueController *queue = m_app->queueController;
+    const qsizetype before = queue->qJobList().size();
+    queue->addToQueue(selection);
+    const qsizetype added = queue->qJobList().size() - before;
+    if (added <= 0)
+        fail(QStringLiteral("%1: %2: nothing to queue for \"%3\"").arg(kProgram, fileNameOf(selection->videoTrackFilePath), selection->jobType));
+    m_queued += static_cast<int>(std::max<qsizetype>(added, 0));
+}
+
+bool MCCliSession::startAllowed(QString *why) const
+{
+    MCSelectionController *rules = m_app->selectionController;
+    const MCTrackList &tracks = m_app->currentVideoFile->trackList;
+    const QString &command = m_options.command;
+    if (command == QStringLiteral("convert") && !rules->canConvert) {
+        *why = QStringLiteral("cannot convert: select one video track, one audio track and at most one subtitle "
+                              "(selected: %1 video, %2 audio, %3 subtitle)")
+                   .arg(countOf(tracks, {QStringLiteral("Video")}))
+                   .arg(countOf(tracks, {QStringLiteral("Audio")}))
+                   .arg(countOf(tracks, {QStringLiteral("Subtitle"), QStringLiteral("External Subtitle")}));
+        return false;
+    }
+    if (command == QStringLiteral("convert")) {
+        for (const MCVideoTrackPtr &track : m_app->currentSelection->trackList) {
+            if (track->trackType == QStringLiteral("Video") && track->userCodec == QStringLiteral("mpeg4")
+                && m_app->currentSelection->userVideoBitRate.toInt() <= 0) {
+                *why = QStringLiteral("the source's video bit rate is unknown: give one with --bitrate KBPS");
+                return false;
+            }
+        }
+    }
+    if (command == QStringLiteral("join") && !rules->canJoin) {
+        *why = QStringLiteral("cannot join: it takes at least two AVI files");
+        return false;
+    }
+    if (command == QStringLiteral("split") && !rules->canSplit) {
+        *why = m_options.startTime.isEmpty() ? QStringLiteral("cannot split: size and number of pieces must be whole numbers above 0")
+                                             : QStringLiteral("cannot split: the end time must come after the start time");
+        return false;
+    }
+    if ((command == QStringLiteral("extract") || command == QStringLiteral("add-audio")) && !rules->canEditTracks) {
+        *why = command == QStringLiteral("extract") ? QStringLiteral("cannot extract: select at least one track of the file itself")
+                                                    : QStringLiteral("cannot add: no audio track was added");
+        return false;
+    }
+    return true;
+}
+
+// ---------------------------------------------------------------- commands
+
+int MCCliSession::convert()
+{
+    const QList<QUrl> urls = checkedFiles(m_options.files);
+    if (urls.isEmpty())
+        return -1;
+    openFiles(QStringLiteral("AVI"), urls);
+    if (urls.size() == 1) {
+        if (!loaded(urls.first()))
+            return -1;
+        if (m_options.tracks && !selectTracks(*m_options.tracks, urls.first()))
+            return -1;
+    }
+    m_app->startProcess(QStringLiteral("Convert"));
+    return -1;
+}
+
+int MCCliSession::join()
+{
+    const QList<QUrl> urls = checkedFiles(m_options.files);
+    if (urls.isEmpty())
+        return -1;
+    openFiles(QStringLiteral("Edit Files"), urls);
+    QString why;
+    if (!startAllowed(&why)) {
+        fail(QStringLiteral("%1: %2").arg(kProgram, why));
+        return -1;
+    }
+    m_app->startProcess(QStringLiteral("Join"));
+    return -1;
+}
+
+int MCCliSession::split()
+{
+    const QList<QUrl> urls = checkedFiles(m_options.files);
+    if (urls.isEmpty())
+        return -1;
+    openFiles(QStringLiteral("Edit Files"), urls);
+    if (m_app->editFilesURLsArray.isEmpty())
+        return -1;
+    MCSelectionController *rules = m_app->selectionController;
+    if (!m_options.startTime.isEmpty()) {
+        rules->splitTypeMatrixIndex = 0;
+        // As typed into the two time fields.
+        const auto typed = [rules](const QString &field, const QString &text) {
+            rules->notificationHub(MCNotification{MCNotificationName::timeTextFieldChanged, text, {{QStringLiteral("textFieldID"), field}}});
+        };
+        typed(QStringLiteral("startTimeTextField"), m_options.startTime);
+        typed(QStringLiteral("endTimeTextField"), m_options.endTime);
+    } else {
+        rules->splitTypeMatrixIndex = 1;
+        rules->setEnteredSplitSize(m_options.sizeMB);
+        rules->setEnteredSplitNumber(m_options.pieces);
+    }
+    rules->updateTabs();
+    QString why;
+    if (!startAllowed(&why)) {
+        fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
+        return -1;
+    }
+    m_app->startProcess(QStringLiteral("Split"));
+    return -1;
+}
+
+int MCCliSession::extract()
+{
+    const QList<QUrl> urls = checkedFiles(m_options.files);
+    if (urls.isEmpty())
+        return -1;
+    m_app->selectionController->setCurrentTab(QStringLiteral("Edit Tracks"));
+    m_app->selectionController->setEditTrackMatrixIndex(0);
+    openFiles(QStringLiteral("Edit Tracks"), urls);
+    if (!loaded(urls.first()))
+        return -1;
+    if (m_options.tracks && !selectTracks(*m_options.tracks, urls.first()))
+        return -1;
+    m_app->selectionController->updateTabs();
+    QString why;
+    if (!startAllowed(&why)) {
+        fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
+        return -1;
+    }
+    m_app->startProcess(QStringLiteral("Extract"));
+    return -1;
+}
+
+int MCCliSession::addAudio()
+{
+    const QList<QUrl> video = checkedFiles(m_options.files.mid(0, 1));
+    if (video.isEmpty())
+        return -1;
+    m_app->selectionController->setCurrentTab(QStringLiteral("Edit Tracks"));
+    m_app->selectionController->setEditTrackMatrixIndex(1);
+    openFiles(QStringLiteral("Edit Tracks"), video);
+    if (!loaded(video.first()))
+        return -1;
+    MCVideoFile &file = *m_app->currentVideoFile;
+    for (const QUrl &audio : checkedFiles(m_options.files.mid(1))) {
+        const qsizetype before = file.trackList.size();
+        m_app->setOpeningFileMode(QStringLiteral("add"));
+        m_app->openedFileHubForFiles({audio});
+        if (file.trackList.size() == before)
+            m_status = 1; // its alert said why
+    }
+    for (const MCVideoTrackPtr &track : std::as_const(file.trackList))
+        track->trackSelected = track->externalTrackFlag && track->trackType == QStringLiteral("Audio");
+    m_app->selectionController->trackTableSelectionChanged(MCSelectionController::senderTrackTable);
+    QString why;
+    if (!startAllowed(&why)) {
+        fail(QStringLiteral("%1: %2: %3").arg(kProgram, video.first().fileName(), why));
+        return -1;
+    }
+    m_app->startProcess(QStringLiteral("Add"));
+    return -1;
+}
+
+int MCCliSession::remux()
+{
+    const QList<QUrl> urls = checkedFiles(m_options.files);
+    if (urls.isEmpty())
+        return -1;
+    if (QFileInfo(urls.first().toLocalFile()).suffix().toLower() != QStringLiteral("mkv")) {
+        fail(QStringLiteral("%1: %2: remux takes a Matroska (.mkv) file").arg(kProgram, urls.first().fileName()));
+        return -1;
+    }
+    // The offer made at loading is declined: the remux is queued once, below.
+    openFiles(QStringLiteral("AVI"), urls);
+    if (!loaded(urls.first()))
+        return -1;
+    if (!m_app->checkSaveFolderIsWritable()) {
+        m_status = 1;
+        return -1;
+    }
+    m_app->handleHeaderCompression(MCAlertFirstButtonReturn);
+    return -1;
+}
+
+// ---------------------------------------------------------------- the run
+
+void MCCliSession::interrupted(int signalNumber)
+{
+    if (m_signal != 0)
+        return;
+    m_signal = signalNumber;
+    if (m_watcher)
+        m_watcher->stopAll([this] { m_app->stopAndEmptyQueue(); });
+}
+
+int MCCliSession::finish()
+{
+    bool settled = false;
+    QEventLoop loop;
+    QTimer::singleShot(kSettleMs, &loop, [&settled] { settled = true; });
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, &loop, [&] {
+        if (m_signal != 0 || (settled && (m_dryRun || m_watcher->queueIsIdle())))
+            loop.quit();
+    });
+    poll.start(kPollMs);
+    loop.exec();
+    if (m_signal != 0)
+        return 128 + m_signal;
+    if (m_dryRun && !m_dryRun->run())
+        m_status = 1;
+    if (m_watcher && m_watcher->failedCount() > 0)
+        m_status = 1;
+    if (m_queued == 0)
+        m_status = 1;
+    return m_status;
+}

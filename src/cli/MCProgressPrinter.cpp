@@ -1,0 +1,125 @@
+#include "MCProgressPrinter.h"
+
+#include <QRegularExpression>
+#include <QVariantMap>
+
+#include <algorithm>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int kBarWidth = 30;
+
+// Plain lines are printed when a step's status passes a multiple of this.
+constexpr int kPlainStep = 10;
+
+QString plainKey(const QString &status)
+{
+    const std::optional<double> percent = MCProgressPrinter::percentIn(status);
+    if (!percent)
+        return status;
+    // Keep the words ("Pass #2: ") and round the number down to the step.
+    QString words = status;
+    words.remove(QRegularExpression(QStringLiteral("[\\d.]+\\s*%")));
+    return words + QString::number(static_cast<int>(*percent) / kPlainStep * kPlainStep);
+}
+
+} // namespace
+
+MCProgressPrinter::MCProgressPrinter(Mode mode, std::FILE *out)
+    : m_mode(mode)
+    , m_out(out)
+{
+}
+
+MCProgressPrinter::Mode MCProgressPrinter::modeFor(std::FILE *out, bool quiet)
+{
+    if (quiet)
+        return Mode::Quiet;
+    return ::isatty(::fileno(out)) ? Mode::Live : Mode::Plain;
+}
+
+std::optional<double> MCProgressPrinter::percentIn(const QString &status)
+{
+    static const QRegularExpression pattern(QStringLiteral("(\\d+(?:\\.\\d+)?)\\s*%"));
+    QRegularExpressionMatchIterator it = pattern.globalMatch(status);
+    std::optional<double> last;
+    while (it.hasNext())
+        last = it.next().captured(1).toDouble();
+    if (last)
+        last = std::clamp(*last, 0.0, 100.0);
+    return last;
+}
+
+QString MCProgressPrinter::bar(std::optional<double> percent, int width)
+{
+    const int filled = percent ? static_cast<int>(*percent * width / 100.0) : 0;
+    return QLatin1Char('[') + QString(filled, QLatin1Char('#')) + QString(width - filled, QLatin1Char('.')) + QLatin1Char(']');
+}
+
+QString MCProgressPrinter::liveLine(const QString &step, const QString &status)
+{
+    return QStringLiteral("  %1 %2  %3").arg(bar(percentIn(status), kBarWidth), step, status);
+}
+
+void MCProgressPrinter::print(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), m_out);
+    std::fflush(m_out);
+}
+
+void MCProgressPrinter::eraseLiveLines()
+{
+    if (m_liveLines > 0)
+        print(QStringLiteral("\x1b[%1A\r\x1b[J").arg(m_liveLines));
+    m_liveLines = 0;
+}
+
+void MCProgressPrinter::jobStarted(const QString &name, const QString &jobType, int number, int total)
+{
+    m_lastPlain.clear();
+    if (m_mode == Mode::Quiet)
+        return;
+    eraseLiveLines();
+    print(QStringLiteral("Job %1/%2: %3 (%4)\n").arg(number).arg(total).arg(name, jobType));
+}
+
+void MCProgressPrinter::progress(const QVariantList &rows)
+{
+    if (m_mode == Mode::Quiet)
+        return;
+    if (m_mode == Mode::Live) {
+        QString text = m_liveLines > 0 ? QStringLiteral("\x1b[%1A").arg(m_liveLines) : QString();
+        for (const QVariant &row : rows) {
+            const QVariantMap map = row.toMap();
+            text += QStringLiteral("\r\x1b[2K") + liveLine(map.value(QStringLiteral("Step")).toString(),
+                                                           map.value(QStringLiteral("Progress")).toString())
+                    + QLatin1Char('\n');
+        }
+        text += QStringLiteral("\x1b[J");
+        m_liveLines = static_cast<int>(rows.size());
+        print(text);
+        return;
+    }
+    for (const QVariant &row : rows) {
+        const QVariantMap map = row.toMap();
+        const QString step = map.value(QStringLiteral("Step")).toString();
+        const QString status = map.value(QStringLiteral("Progress")).toString();
+        if (status.isEmpty())
+            continue;
+        const QString key = plainKey(status);
+        if (m_lastPlain.value(step) == key)
+            continue;
+        m_lastPlain.insert(step, key);
+        print(QStringLiteral("  %1: %2\n").arg(step, status));
+    }
+}
+
+void MCProgressPrinter::jobFinished(const QString &name, bool succeeded, const QString &detail)
+{
+    eraseLiveLines();
+    const QString word = succeeded ? QStringLiteral("Completed") : QStringLiteral("Failed");
+    print(detail.isEmpty() ? QStringLiteral("%1: %2\n").arg(word, name) : QStringLiteral("%1: %2 (%3)\n").arg(word, name, detail));
+}
