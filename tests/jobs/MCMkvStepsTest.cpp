@@ -1,0 +1,160 @@
+#include "EditingTestSupport.h"
+#include "MCMkvEditor.h"
+#include "MCMkvMuxer.h"
+#include "MCReMuxMkvJob.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+
+namespace {
+
+// Ten seconds of H.264 (a key frame every second), AAC and an SRT subtitle.
+QString movieMkv()
+{
+    const QString path = editingMedia(u"movie.mkv"_s);
+    QFile srt(editingMedia(u"movie.srt"_s));
+    if (!QFile::exists(path) && srt.open(QIODevice::WriteOnly)) {
+        srt.write("1\n00:00:00,300 --> 00:00:02,800\nHello\n\n");
+        srt.close();
+        testsupport::ffmpeg(
+            QFileInfo(path).path(), u"movie.mkv"_s,
+            QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=10 -f lavfi -i sine=d=10 -i '%1' -map 0 -map 1 -map 2 "
+                           "-c:v libx264 -preset ultrafast -g 25 -c:a aac -c:s srt")
+                .arg(srt.fileName()));
+    }
+    return path;
+}
+
+class MkvStepsTest : public EditingTest
+{
+protected:
+    // Runs one step in a job of its own; answers its process number.
+    QString runStep(const MCConverterPtr &step, const MCSelectionPtr &selection)
+    {
+        StepsJob job;
+        job.jobSelection = selection;
+        job.steps = {step};
+        JobWatch watch(job);
+        job.startJob();
+        EXPECT_TRUE(watch.waitForDone());
+        return job.stepPIDList().value(0);
+    }
+
+    QString split(const QString &file, const QString &type, const QString &first, const QString &second = {})
+    {
+        MCSelectionPtr selection = selectionFor(file, u"AVI Splitting"_s);
+        selection->splitType = type;
+        selection->splitStartTimeText = selection->splitSize = selection->splitDurationSeconds = first;
+        selection->splitEndTimeText = second;
+        return runStep(std::make_shared<MCMkvEditor>(), selection);
+    }
+
+    const QString source = movieMkv();
+};
+
+} // namespace
+
+TEST_F(MkvStepsTest, MuxerKeepsChosenTracksOfEachFileWithTheirNamesAndLanguages)
+{
+    MCTrackList keep{makeTrack(u"Video"_s, u"h264"_s, source),
+                     makeTrack(u"External Subtitle"_s, u"srt"_s, editingMedia(u"movie.srt"_s)),
+                     makeTrack(u"Audio"_s, u"aac"_s, source)};
+    keep[0]->trackLanguage = u"German"_s;
+    keep[1]->trackForcedFlag = true;
+    keep[2]->trackMkvmergeID = u"1"_s;
+    keep[2]->trackTitle = u"Director's \"cut\" $HOME"_s;
+    MCSelectionPtr selection = selectionFor(source, u"AVI Track Removal"_s);
+    selection->trackList = selection->keepTracksList = keep;
+    runStep(std::make_shared<MCMkvMuxer>(), selection);
+
+    QString json;
+    testsupport::run(u"mkvmerge -J '%1'"_s.arg(savedPath(u"movie.mkv.removed.mkv"_s)), &json);
+    const QJsonArray tracks = QJsonDocument::fromJson(json.toUtf8()).object().value(u"tracks"_s).toArray();
+    const auto property = [&](int i, const char *key) {
+        return tracks.at(i).toObject().value(u"properties"_s).toObject().value(QLatin1String(key)).toVariant();
+    };
+    // The movie's own subtitle stays out; the SRT comes last, from its own file.
+    ASSERT_EQ(tracks.size(), 3);
+    EXPECT_EQ(property(0, "language").toString(), u"ger"_s);
+    EXPECT_EQ(property(1, "track_name").toString(), keep[2]->trackTitle);
+    EXPECT_EQ(property(2, "codec_id").toString(), u"S_TEXT/UTF8"_s);
+    EXPECT_TRUE(property(2, "forced_track").toBool());
+}
+
+TEST_F(MkvStepsTest, SplitsByTimeAndBySizeAndRefusesWhatCannotBeServed)
+{
+    split(source, u"time"_s, u"00:00:02"_s, u"00:00:06"_s);
+    EXPECT_NEAR(durationSeconds(savedPath(u"movie.mkv.split.mkv"_s)), 4.0, 0.5);
+
+    // Two seconds of lossless noise, about 6 MB.
+    const QString noise = testsupport::ffmpeg(QFileInfo(source).path(), u"noise.mkv"_s,
+                                              QStringLiteral("-f lavfi -i 'nullsrc=s=320x240:r=25:d=2,geq=random(1)*255:128:128' "
+                                                             "-c:v libx264 -preset ultrafast -qp 0 -g 5"));
+    split(noise, u"size"_s, u"2"_s);
+    const QStringList parts = saved(u"noise.mkv.split-*.mkv"_s);
+    EXPECT_GE(parts.size(), 2);
+    EXPECT_LT(QFileInfo(savedPath(parts.value(0))).size(), 3000000);
+
+    const QByteArray sum = md5Of(source);
+    EXPECT_EQ(split(source, u"size"_s, u"0"_s), u"error"_s);
+    EXPECT_EQ(split(source, u"number"_s, u"2"_s), u"error"_s);
+    // No key frame inside the range: mkvmerge writes nothing.
+    const QString still = testsupport::ffmpeg(QFileInfo(source).path(), u"still.mkv"_s,
+                                              u"-f lavfi -i testsrc2=s=160x120:r=25:d=10 -c:v libx264 -g 250"_s);
+    split(still, u"time"_s, u"00:00:02"_s, u"00:00:06"_s);
+    EXPECT_EQ(saved(u"*.mkv"_s).size(), parts.size() + 1);
+    EXPECT_EQ(md5Of(source), sum);
+}
+
+TEST_F(MkvStepsTest, JoinAppendsEveryFileWarnsOfMismatchesAndNeverWritesOverAnInput)
+{
+    const auto alerts = testsupport::recordAlerts();
+    const QString second = editingMedia(u"it's second.mkv"_s);
+    QFile::copy(source, second);
+    MCSelectionPtr selection = selectionFor(source, u"AVI Joining"_s);
+    selection->editFilesURLsList = {QUrl::fromLocalFile(source), QUrl::fromLocalFile(second), QUrl::fromLocalFile(source)};
+    runStep(std::make_shared<MCMkvEditor>(), selection);
+    EXPECT_NEAR(durationSeconds(savedPath(u"movie.mkv.joined.mkv"_s)), 30.0, 1.0);
+    EXPECT_TRUE(alerts->alerts.isEmpty());
+
+    // Other codecs: warned of, tried, refused by mkvmerge; the log stays when logs are kept.
+    prefs.preferences->keepLogsFlag = true;
+    const QString mpeg4
+        = testsupport::ffmpeg(QFileInfo(source).path(), u"mpeg4.mkv"_s, u"-f lavfi -i testsrc2=s=160x120:r=25:d=2 -c:v mpeg4"_s);
+    selection->editFilesURLsList = {QUrl::fromLocalFile(mpeg4), QUrl::fromLocalFile(source)};
+    runStep(std::make_shared<MCMkvEditor>(), selection);
+    ASSERT_EQ(alerts->alerts.size(), 1);
+    EXPECT_EQ(alerts->alerts.at(0).informativeText, u"Track Count, Track Types, Track Codecs"_s);
+    EXPECT_EQ(saved(u"mpeg4.mkv.joined.*"_s), QStringList{u"mpeg4.mkv.joined.log"_s});
+
+    // An earlier result joined again beside its sources would be its own output.
+    prefs.preferences->saveDirectoryURL = QUrl();
+    const QString earlier = second + u".joined.mkv"_s;
+    QFile::copy(source, earlier);
+    selection->editFilesURLsList = {QUrl::fromLocalFile(second), QUrl::fromLocalFile(earlier)};
+    EXPECT_EQ(runStep(std::make_shared<MCMkvEditor>(), selection), u"error"_s);
+    EXPECT_EQ(md5Of(earlier), md5Of(source));
+}
+
+TEST_F(MkvStepsTest, RemuxJobSwitchesHeaderRemovalOff)
+{
+    const QString compressed = editingMedia(u"compressed.mkv"_s);
+    testsupport::run(
+        u"mkvmerge -o '%1' --compression 0:mpeg4_p2 '%2'"_s.arg(compressed, xvidAvi(u"remux.avi"_s, u"160x120"_s, 2)));
+    QString info;
+    testsupport::run(u"mkvinfo '%1'"_s.arg(compressed), &info);
+    ASSERT_TRUE(info.contains(u"header removal"_s));
+
+    MCReMuxMkvJob job;
+    job.jobSelection = selectionFor(compressed, u"MKV Remux"_s);
+    JobWatch watch(job);
+    job.startJob();
+    ASSERT_TRUE(watch.waitForDone());
+    testsupport::run(u"mkvinfo '%1'"_s.arg(savedPath(u"compressed.mkv.remux.mkv"_s)), &info);
+    EXPECT_TRUE(info.contains(u"Track type: video"_s));
+    EXPECT_FALSE(info.contains(u"header removal"_s));
+    EXPECT_TRUE(saved(u"*.log"_s).isEmpty());
+    EXPECT_EQ(watch.ticks.value(watch.ticks.size() - 1), u"Re-Muxing MKV=Complete"_s);
+}
