@@ -105,18 +105,22 @@ MCTimeEdit deleting(const QString &oldText, const QString &newText, int caret)
     }
     QString text = oldText;
     bool beep = false;
+    const int runEnd = caret + shrunk; // where the replaced run ended in the old text
     if (p < caret) {
-        // Typed over a selection: the typed characters overwrite the mask.
+        // Typed over a selection: the typed characters overwrite the mask,
+        // which never grows (12 is the subtitle form HH:MM:SS,mmm).
         const int start = std::max(p, 0);
-        const Written written = writeTyped(text, newText.mid(start, caret - start), start,
-                                           MCTimeValidator::subtitleMaskLength, true, true);
+        const int limit = std::min(MCTimeValidator::subtitleMaskLength, int(oldText.size()));
+        const Written written = writeTyped(text, newText.mid(start, caret - start), start, limit, true, true);
         if (written.refused)
             return putBack(oldText, start, true);
         text = written.text;
         beep = written.beep;
+        // Typed digits that hopped a separator end later than the editor's caret.
+        caret = std::max(caret, written.position);
     }
     // The deleted run becomes zeros; a separator stays and its zero goes one on.
-    for (int i = caret; i < caret + shrunk && i < text.size(); ++i) {
+    for (int i = caret; i < runEnd && i < text.size(); ++i) {
         if (isSeparator(text.at(i)) && ++i >= text.size())
             break;
         if (!isSeparator(text.at(i)))

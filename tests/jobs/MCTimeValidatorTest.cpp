@@ -35,6 +35,7 @@ TEST(MCTimeValidatorTest, MaskEdits)
         {"deleting a separator zeroes the next digit", "01:23:45", "0123:45", 2, "01:03:45", 2, false},
         {"deleting across a separator", "01:23:45", "03:45", 1, "00:03:45", 1, false},
         {"typing over a selection", "01:23:45", "01:9:45", 4, "01:90:45", 4, false},
+        {"pasting over everything stays in the mask", "00:00:00", "1234567", 7, "12:34:56", 8, true},
         {"letter over a selection refused", "01:23:45", "01:x:45", 4, "01:23:45", 3, true},
         {"subtitle milliseconds keep their comma", "00:00:01,500", "00:00:01,50", 11, "00:00:01,500", 11,
          false},
