@@ -47,9 +47,15 @@ bool copiesStream(const AVStream *stream)
 }
 
 // The packets as the AVI index lists them; empty when a copied stream has no
-// index (the file must then be read once to learn its packets).
-std::vector<PacketEntry> entriesFromIndex(AVFormatContext *input)
+// index or the video's index misses frames the header counts (a file cut
+// short loses its index, and the demuxer then only knows the packets it
+// has read so far): the file must then be read once to learn its packets.
+std::vector<PacketEntry> entriesFromIndex(AVFormatContext *input, int videoStream)
 {
+    const AVStream *video = input->streams[videoStream];
+    const int videoEntries = avformat_index_get_entries_count(video);
+    if (videoEntries < 2 || (video->nb_frames > 0 && videoEntries < video->nb_frames * 0.98))
+        return {};
     std::vector<PacketEntry> entries;
     for (unsigned i = 0; i < input->nb_streams; ++i) {
         AVStream *stream = input->streams[i];
@@ -315,7 +321,7 @@ int runAviSplit(const std::vector<std::string> &arguments)
     if (video < 0)
         throw ToolError(request.input + " has no video stream to cut at key frames");
 
-    std::vector<PacketEntry> entries = entriesFromIndex(input.get());
+    std::vector<PacketEntry> entries = entriesFromIndex(input.get(), video);
     if (entries.empty())
         entries = entriesFromPackets(request.input);
     const AVStream *videoStream = input->streams[video];

@@ -113,3 +113,29 @@ TEST_F(AviSplitTest, RefusesBadRequestsWithoutWritingAnything)
         EXPECT_EQ(standin::filesIn(out.path()), QStringList{QStringLiteral("clip.mkv")}) << bad.arguments.toStdString();
     }
 }
+
+TEST_F(AviSplitTest, FileCutShortWithoutItsIndexIsSplitWhole)
+{
+    QFile whole(source);
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    QFile cutShort(out.path() + QStringLiteral("/short.avi"));
+    ASSERT_TRUE(cutShort.open(QIODevice::WriteOnly));
+    cutShort.write(whole.read(2400000));
+    cutShort.close();
+    QString packets;
+    testsupport::run(QStringLiteral("ffprobe -v error -select_streams v -count_packets -show_entries stream=nb_read_packets "
+                                    "-of csv=p=0 '%1'").arg(cutShort.fileName()), &packets);
+
+    QString log;
+    ASSERT_EQ(standin::runTool(QStringLiteral("avisplit"),
+                               QStringLiteral("-i \"%1\" -s 1 -H 0 -o \"%2/piece\"").arg(cutShort.fileName(), out.path()), &log), 0)
+        << log.toStdString();
+    const QStringList pieces = standin::filesIn(out.path()).filter(QStringLiteral("piece-"));
+    ASSERT_GE(pieces.size(), 3) << log.toStdString();
+    int frames = 0;
+    for (const QString &piece : pieces) {
+        EXPECT_LE(QFileInfo(out.path() + QLatin1Char('/') + piece).size(), 1000000);
+        frames += standin::integer(out.path() + QLatin1Char('/') + piece, QStringLiteral("Video"), QStringLiteral("FrameCount"));
+    }
+    EXPECT_NEAR(frames, packets.trimmed().toInt(), 1);
+}
