@@ -199,6 +199,12 @@ int runMencoderFront(const std::string &name, const std::vector<std::string> &ar
     if (isSameFile(command.output, command.input) || isSameFile(command.output, command.audioFile))
         throw ToolError("the output " + command.output + " is one of the inputs; choose another -o name");
 
+    // MEncoder copies MPEG audio and AC-3 into an AVI in step; AAC and the
+    // rest it either refuses or times wrongly.
+    if (!command.wantsRawAudio() && command.encoder != "ac3" && command.encoder != "mp2"
+        && command.encoder != "libmp3lame")
+        throw UsageError(command.encoder + " audio can only be written with -of rawaudio; in an AVI use AC-3, MP2 or MP3");
+
     ChosenAudio audio = chooseAudio(command);
     AudioEncoder encoder(audio.source, encodingOf(command));
     std::printf("%s front: encoding audio stream %d of %s to %s\n", name.c_str(), audio.source.stream,
