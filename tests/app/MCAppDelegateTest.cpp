@@ -1,0 +1,260 @@
+#include "MCAppDelegate.h"
+
+#include "MCJob.h"
+#include "MCPreferences.h"
+#include "MCPresetsController.h"
+#include "MCQueueController.h"
+#include "MCSelectionController.h"
+#include "MCVideoFile.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+QString mediaDir()
+{
+    static QTemporaryDir dir;
+    return dir.path();
+}
+
+QString writeFile(const QString &name, const QByteArray &bytes)
+{
+    const QString path = mediaDir() + QLatin1Char('/') + name;
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write(bytes);
+    return path;
+}
+
+QString clip(const QString &name, const QString &codecs, int seconds = 2, const QString &size = QStringLiteral("160x120"))
+{
+    const QString path = mediaDir() + QLatin1Char('/') + name;
+    if (QFile::exists(path))
+        return path;
+    return testsupport::ffmpeg(mediaDir(), name,
+                               QStringLiteral("-f lavfi -i testsrc2=s=%1:r=25:d=%2 -f lavfi -i sine=d=%2:r=48000 -ac 2 %3")
+                                   .arg(size)
+                                   .arg(seconds)
+                                   .arg(codecs));
+}
+
+QString avi(const QString &name = QStringLiteral("clip.avi"))
+{
+    return clip(name, QStringLiteral("-c:v mpeg4 -c:a ac3"));
+}
+
+QUrl url(const QString &path)
+{
+    return QUrl::fromLocalFile(path);
+}
+
+class AppDelegateTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        alerts = testsupport::recordAlerts();
+        const QString settings = settingsDir.path() + QStringLiteral("/kestrane.ini");
+        {
+            // One user settings preset, after the built-in "Manual" and "Extract Tracks".
+            MCPreferences preferences(settings);
+            preferences.saveUserPresetSettingsListFor({QVariantMap{
+                {QStringLiteral("pName"), QStringLiteral("Copy")}, {QStringLiteral("pDevice"), QStringLiteral("General")},
+                {QStringLiteral("pTypeOfProcessIndex"), 0}, {QStringLiteral("pVideoActionIndex"), 0},
+                {QStringLiteral("pStereoActionIndex"), 0}, {QStringLiteral("pSurroundActionIndex"), 0},
+                {QStringLiteral("pSubAction"), QStringLiteral("Extract")}, {QStringLiteral("isEditable"), true}}});
+        }
+        app = std::make_unique<MCAppDelegate>(settings);
+        app->applicationDidFinishLaunching();
+        app->queueSelection = [this](const MCSelectionPtr &selection) { queued << selection->copy(); };
+    }
+
+    void open(const QString &tab, const QString &mode, const QStringList &paths)
+    {
+        app->selectionController->setCurrentTab(tab);
+        app->setOpeningFileMode(mode);
+        QList<QUrl> urls;
+        for (const QString &path : paths)
+            urls << url(path);
+        app->openedFileHubForFiles(urls);
+    }
+
+    QStringList alertTexts() const
+    {
+        QStringList texts;
+        for (const MCAlert &alert : alerts->alerts)
+            texts << alert.message + QStringLiteral(" / ") + alert.informativeText;
+        return texts;
+    }
+
+    QTemporaryDir settingsDir;
+    std::shared_ptr<RecordingAlertPresenter> alerts;
+    std::unique_ptr<MCAppDelegate> app;
+    QList<MCSelectionPtr> queued;
+};
+
+} // namespace
+
+TEST_F(AppDelegateTest, StartsWithTheDropTextOnTheConversionTab)
+{
+    EXPECT_EQ(app->fileTextField(), QStringLiteral("Drop Video File(s) in the Table Below"));
+    EXPECT_EQ(app->selectionController->currentTab(), QStringLiteral("AVI"));
+    EXPECT_EQ(MCPreferences::applicationPreferences(), app->appPreferences);
+}
+
+TEST_F(AppDelegateTest, ConversionTabIntakeAlertsAndKeepsTheLoadedFile)
+{
+    const QString notes = writeFile(QStringLiteral("notes.txt"), "just text\n");
+    open(QStringLiteral("AVI"), QStringLiteral("open"), {notes});
+    open(QStringLiteral("AVI"), QStringLiteral("open"), {avi()});
+    EXPECT_EQ(app->fileTextField(), avi());
+    open(QStringLiteral("AVI"), QStringLiteral("drag"), {notes});
+    open(QStringLiteral("AVI"), QStringLiteral("add"), {clip(QStringLiteral("other.mkv"), QStringLiteral("-c:v libx264 -c:a aac"))});
+    open(QStringLiteral("AVI"), QStringLiteral("drag"), {writeFile(QStringLiteral("broken.sup"), "garbage")});
+    EXPECT_EQ(alertTexts(), (QStringList{
+                                QStringLiteral("Error Opening: notes.txt / Kestrane could not identify this file as a video!!!!!!!!!."),
+                                QStringLiteral("Error Opening: notes.txt / Kestrane can't open this file."),
+                                QStringLiteral("Error Opening: other.mkv / Kestrane can't add the track from this file."),
+                                QStringLiteral("Error Opening: broken.sup / Kestrane can't add this track to the current video."),
+                            }));
+    EXPECT_DOUBLE_EQ(alerts->alerts.first().timeoutSeconds, 5.0);
+    EXPECT_EQ(app->currentVideoFile->theFilePath, avi());
+    EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
+
+    // A dropped subtitle becomes a track of the loaded file; watched, it is ignored.
+    const QString srt = writeFile(QStringLiteral("good.srt"), "1\n00:00:00,000 --> 00:00:01,000\nHi\n\n");
+    open(QStringLiteral("AVI"), QStringLiteral("watch"), {srt});
+    EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
+    open(QStringLiteral("AVI"), QStringLiteral("drag"), {srt});
+    ASSERT_EQ(app->currentVideoFile->trackList.size(), 3);
+    EXPECT_EQ(app->currentVideoFile->trackList.last()->trackType, QStringLiteral("External Subtitle"));
+    EXPECT_TRUE(queued.isEmpty());
+}
+
+TEST_F(AppDelegateTest, EditTabsTakeOnlyAviFiles)
+{
+    const QString notes = writeFile(QStringLiteral("list.txt"), "text\n");
+    open(QStringLiteral("Edit Files"), QStringLiteral("drag"), {avi(), notes, avi(QStringLiteral("second.avi"))});
+    EXPECT_EQ(app->editFilesPathsArray(), (QStringList{avi(), avi(QStringLiteral("second.avi"))}));
+    EXPECT_EQ(app->currentSelection->editFilesURLsList.size(), 2);
+    open(QStringLiteral("Edit Files"), QStringLiteral("add"), {notes});
+    EXPECT_EQ(app->editFilesPathsArray().size(), 2);
+
+    const QString mkv = clip(QStringLiteral("tracks.mkv"), QStringLiteral("-c:v libx264 -c:a aac"));
+    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mkv});
+    EXPECT_EQ(alertTexts(), (QStringList{
+                                QStringLiteral("Error Opening: list.txt / Kestrane can only edit AVI files."),
+                                QStringLiteral("Error Opening: list.txt / Kestrane can't add the track from this file."),
+                                QStringLiteral("Error Opening: tracks.mkv / Kestrane can only edit the tracks of AVI files."),
+                            }));
+    EXPECT_TRUE(app->currentVideoFile->trackList.isEmpty());
+}
+
+TEST_F(AppDelegateTest, HeaderRemovalOfferQueuesARemuxOnOk)
+{
+    const QString plain = clip(QStringLiteral("hr-source.avi"), QStringLiteral("-c:v mpeg4 -c:a ac3"));
+    const QString mkv = mediaDir() + QStringLiteral("/header-removal.mkv");
+    ASSERT_EQ(testsupport::run(QStringLiteral("mkvmerge -q -o '%1' --compression 0:mpeg4_p2 '%2'").arg(mkv, plain)), 0);
+    alerts->answer = MCAlertSecondButtonReturn;
+    open(QStringLiteral("AVI"), QStringLiteral("open"), {mkv});
+    ASSERT_EQ(alerts->alerts.size(), 1);
+    const MCAlert offer = alerts->alerts.first();
+    EXPECT_EQ(offer.message, QStringLiteral("This video appears to have header removal compression.  This may cause issues "
+                                            "when you convert or play the video."));
+    EXPECT_EQ(offer.informativeText, QStringLiteral("Would you like Kestrane to create a copy of this video with this feature turned off."));
+    EXPECT_EQ(offer.buttons, (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
+    EXPECT_TRUE(queued.isEmpty());
+    alerts->answer = MCAlertFirstButtonReturn;
+    open(QStringLiteral("AVI"), QStringLiteral("open"), {mkv});
+    ASSERT_EQ(queued.size(), 1);
+    EXPECT_EQ(queued.first()->jobType, QStringLiteral("MKV Remux"));
+}
+
+TEST_F(AppDelegateTest, StartChecksTheSaveFolderAndBatchesNeedPresets)
+{
+    const QString second = avi(QStringLiteral("batch-2.avi"));
+    const QString notes = writeFile(QStringLiteral("batch.txt"), "text\n");
+    open(QStringLiteral("AVI"), QStringLiteral("drag"), {avi(), notes, second});
+    alerts->alerts.clear();
+    app->startProcess(QStringLiteral("Convert"));
+    ASSERT_EQ(alerts->alerts.size(), 1);
+    EXPECT_EQ(alerts->alerts.first().message,
+              QStringLiteral("You must use a preset other than \"Manual\" for both the settings pop up and the track selections pop up "
+                             "to convert the batch of files you dragged to the application."));
+    EXPECT_TRUE(queued.isEmpty());
+
+    // With presets: the first file at once, the rest 0.4 s later; the text file silently skipped.
+    app->presetsController->setSelectionMethodIndex(1);
+    app->presetsController->setSettingMethodIndex(2);
+    QList<QUrl> skipped;
+    QObject::connect(app.get(), &MCAppDelegate::batchFileSkipped, [&](const QUrl &file, const QString &) { skipped << file; });
+    alerts->alerts.clear();
+    app->startProcess(QStringLiteral("Convert"));
+    EXPECT_EQ(queued.size(), 1);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return queued.size() == 2; }, 5000));
+    EXPECT_EQ(queued.last()->videoTrackFilePath, second);
+    EXPECT_EQ(skipped, QList<QUrl>{url(notes)});
+    EXPECT_TRUE(alerts->alerts.isEmpty());
+
+    // An unwritable save folder stops the start before anything is queued.
+    queued.clear();
+    app->appPreferences->saveDirectoryURL = url(settingsDir.path() + QStringLiteral("/missing"));
+    app->startProcess(QStringLiteral("Convert"));
+    ASSERT_EQ(alerts->alerts.size(), 1);
+    EXPECT_EQ(alerts->alerts.first().message, QStringLiteral("Kestrane does not have permision to write to the save folder for this job."));
+    EXPECT_EQ(alerts->alerts.first().informativeText,
+              QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder."));
+    EXPECT_DOUBLE_EQ(alerts->alerts.first().timeoutSeconds, 10.0);
+    testsupport::waitUntil([] { return false; }, 600);
+    EXPECT_TRUE(queued.isEmpty());
+}
+
+TEST_F(AppDelegateTest, SaveFileInfoWritesTheFullReportIntoTheSaveFolder)
+{
+    open(QStringLiteral("AVI"), QStringLiteral("open"), {avi()});
+    app->appPreferences->saveDirectoryURL = url(settingsDir.path());
+    app->helpMenuItemSelected(QStringLiteral("Save File Info"));
+    QFile report(settingsDir.path() + QStringLiteral("/clip.avi.info.txt"));
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    const QByteArray text = report.readAll();
+    EXPECT_TRUE(text.contains("Complete name"));
+    EXPECT_TRUE(text.contains("clip.avi"));
+}
+
+TEST_F(AppDelegateTest, QuitWithARunningJobPausesAndCancelKeepsItPaused)
+{
+    app->queueSelection = [this](const MCSelectionPtr &selection) { app->queueController->addToQueue(selection); };
+    const QString longer = clip(QStringLiteral("quit.mkv"), QStringLiteral("-c:v libx264 -preset ultrafast -c:a aac"), 60,
+                                QStringLiteral("640x480"));
+    app->appPreferences->saveDirectoryURL = url(settingsDir.path());
+    app->presetsController->setSelectionMethodIndex(1);
+    open(QStringLiteral("AVI"), QStringLiteral("open"), {longer});
+    app->selectionController->setVideoMatrixIndex(2);
+    app->selectionController->setEnteredUserVideoBitRate(QStringLiteral("800"));
+    app->selectionController->updateTabs();
+    app->startProcess(QStringLiteral("Convert"));
+    MCQueueController *queue = app->queueController;
+    ASSERT_TRUE(testsupport::waitUntil([&] { return queue->currentJob() && !queue->currentJob()->stepPIDList().isEmpty(); }, 20000));
+    const QString pid = queue->currentJob()->stepPIDList().first();
+
+    alerts->answer = MCAlertSecondButtonReturn;
+    std::optional<bool> quit;
+    app->applicationShouldTerminate([&](bool answer) { quit = answer; });
+    ASSERT_TRUE(quit.has_value());
+    EXPECT_FALSE(*quit);
+    EXPECT_EQ(alerts->alerts.last().message, QStringLiteral("Videos are still being processed.  Quit anyways?"));
+    QString state;
+    testsupport::run(QStringLiteral("ps -o stat= -p %1").arg(pid), &state);
+    EXPECT_TRUE(state.trimmed().startsWith(QLatin1Char('T'))) << state.toStdString();
+    EXPECT_TRUE(queue->qJobIsRunning());
+
+    alerts->answer = MCAlertFirstButtonReturn;
+    app->applicationShouldTerminate([&](bool answer) { quit = answer; });
+    EXPECT_TRUE(*quit);
+    EXPECT_TRUE(queue->qJobList().isEmpty());
+    EXPECT_FALSE(MCHelpers::processIsRunning(pid));
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "TestSupport.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+
+// Runs the kestrane-cli built beside the test program.
+struct CliResult
+{
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+inline QString cliPath()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/kestrane-cli");
+}
+
+inline CliResult runCli(const QStringList &arguments, int timeoutMs = 180000)
+{
+    QProcess process;
+    process.start(cliPath(), arguments);
+    process.closeWriteChannel();
+    process.waitForFinished(timeoutMs);
+    CliResult result;
+    result.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    result.out = QString::fromUtf8(process.readAllStandardOutput());
+    result.err = QString::fromUtf8(process.readAllStandardError());
+    return result;
+}
+
+// Tiny clips, made once per test program.
+inline QString cliMediaDir()
+{
+    static QTemporaryDir dir;
+    return dir.path();
+}
+
+inline QString writeSrt(const QString &path)
+{
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write("1\n00:00:00,000 --> 00:00:01,500\nHello\n\n");
+    return path;
+}
+
+// H.264, AAC stereo and an SRT subtitle in Matroska.
+inline QString threeTrackMkv(int seconds = 2)
+{
+    const QString dir = cliMediaDir();
+    const QString name = QStringLiteral("three-%1.mkv").arg(seconds);
+    if (QFile::exists(dir + QLatin1Char('/') + name))
+        return dir + QLatin1Char('/') + name;
+    const QString srt = writeSrt(dir + QStringLiteral("/sub.srt"));
+    return testsupport::ffmpeg(dir, name,
+                               QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=%1 -f lavfi -i sine=d=%1:r=48000 -i '%2' "
+                                              "-map 0:v -map 1:a -map 2 -ac 2 -c:v libx264 -preset ultrafast -c:a aac -c:s srt")
+                                   .arg(seconds)
+                                   .arg(srt));
+}
+
+// An XviD/MP3 AVI as MEncoder writes them (MEncoder misreads ffmpeg's MP3 in AVI).
+inline QString xvidAvi(const QString &name, int seconds = 2)
+{
+    const QString dir = cliMediaDir();
+    const QString path = dir + QLatin1Char('/') + name;
+    if (QFile::exists(path))
+        return path;
+    const QString pcm = testsupport::ffmpeg(dir, name + QStringLiteral(".pcm.avi"),
+                                            QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=%1 -f lavfi -i sine=d=%1:r=48000 "
+                                                           "-ac 2 -c:v mpeg4 -vtag XVID -g 25 -q:v 5 -c:a pcm_s16le")
+                                                .arg(seconds));
+    testsupport::run(QStringLiteral("mencoder '%1' -ovc copy -oac mp3lame -lameopts cbr:br=128 -o '%2'").arg(pcm, path));
+    QFile::remove(pcm);
+    return path;
+}
+
+inline QStringList filesIn(const QString &dir)
+{
+    return QDir(dir).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
+}
