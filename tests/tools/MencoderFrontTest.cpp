@@ -163,17 +163,63 @@ TEST_F(MencoderFrontTest, BadAudioRequestsFailBeforeMencoderRuns)
     }
 }
 
-TEST_F(MencoderFrontTest, PausedEncodingResumesAndFinishes)
+TEST_F(MencoderFrontTest, TwoPassEncodeKeepsThePassOptions)
 {
-    const QString longer = testsupport::ffmpeg(dir.path(), QStringLiteral("long.ac3"),
+    const QString output = dir.path() + QStringLiteral("/centre.avi.avi");
+    const QString passLog = dir.path() + QStringLiteral("/pass.log");
+    for (const QString &pass : {QStringLiteral("vpass=1:turbo"), QStringLiteral("vpass=2")}) {
+        QString log;
+        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -vf harddup -ovc lavc -ffourcc xvid -lavcopts "
+                                          "threads=8:vcodec=mpeg4:autoaspect:vbitrate=300:%2 -passlogfile \"%3\" "
+                                          "-oac lavc -lavcopts acodec=ac3:abitrate=384 -channels 6 %4 -srate 48000 -aid 1 "
+                                          "-noautoexpand -o \"%5\"")
+                               .arg(centreAvi, pass, passLog, kIdentityPan, output),
+                           &log),
+                  0)
+            << log.toStdString();
+        EXPECT_TRUE(log.contains(QStringLiteral("-passlogfile"))) << log.toStdString();
+    }
+    EXPECT_GT(QFileInfo(passLog).size(), 0);
+    EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format")), QStringLiteral("AC-3"));
+    EXPECT_NEAR(standin::seconds(output, QStringLiteral("Audio")), standin::seconds(output, QStringLiteral("Video")), 0.15);
+    expectFiles({QStringLiteral("centre.avi.avi"), QStringLiteral("pass.log")});
+}
+
+namespace {
+
+// Starts a front encoding a minute of 5.1 audio in the background, as a
+// job does; answers its process number.
+QString startLongEncode(const QString &folder, const QString &output)
+{
+    const QString longer = testsupport::ffmpeg(folder, QStringLiteral("long.ac3"),
                                                QStringLiteral("-f lavfi -i sine=f=440:r=48000 -t 60 -ac 6 -c:a ac3 -b:a 448k"));
-    const QString output = dir.path() + QStringLiteral("/long.ac3.temp.Audio.t0.ac3");
     QString pid;
     testsupport::run(QStringLiteral("\"%1\" \"%2\" -aid 0 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=384 -channels 6 %3 "
                                     "-srate 48000 -of rawaudio -o \"%4\" &> \"%5/front.log\" & echo $!")
-                         .arg(standin::toolPath(QStringLiteral("mencoder")), longer, kIdentityPan, output, dir.path()),
+                         .arg(standin::toolPath(QStringLiteral("mencoder")), longer, kIdentityPan, output, folder),
                      &pid);
-    pid = pid.trimmed();
+    return pid.trimmed();
+}
+
+} // namespace
+
+TEST_F(MencoderFrontTest, StoppedEncodingLeavesNothingBehind)
+{
+    const QString pid = startLongEncode(dir.path(), dir.path() + QStringLiteral("/long.ac3.temp.Audio.t0.ac3"));
+    QFile log(dir.path() + QStringLiteral("/front.log"));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    QByteArray text;
+    ASSERT_TRUE(testsupport::waitUntil([&] { return (text += log.readAll()).contains("Pos:"); }, 10000));
+    ASSERT_EQ(testsupport::run(QStringLiteral("kill %1").arg(pid)), 0); // SIGTERM, as a job's stop
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !MCHelpers::processIsRunning(pid); }, 10000));
+    EXPECT_TRUE((text += log.readAll()).contains("stopped by signal")) << text.constData();
+    expectFiles({QStringLiteral("front.log"), QStringLiteral("long.ac3")});
+}
+
+TEST_F(MencoderFrontTest, PausedEncodingResumesAndFinishes)
+{
+    const QString output = dir.path() + QStringLiteral("/long.ac3.temp.Audio.t0.ac3");
+    const QString pid = startLongEncode(dir.path(), output);
     ASSERT_EQ(testsupport::run(QStringLiteral("kill -STOP %1").arg(pid)), 0);
     ASSERT_TRUE(testsupport::waitUntil([&] { return processState(pid) == QStringLiteral("T"); }, 5000));
     QThread::msleep(300);
