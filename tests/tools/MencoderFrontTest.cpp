@@ -126,6 +126,49 @@ TEST_F(MencoderFrontTest, RawAacStereoDownMixFromAMatroskaTrack)
     expectFiles({QStringLiteral("clip.mkv"), QStringLiteral("clip.mkv.temp.Audio.t0.added.aac")});
 }
 
+TEST_F(MencoderFrontTest, AudioIdIsReadAsMencoderNumbersEachContainer)
+{
+    // A silent first audio track and a sounding second one.
+    const QString inputs = QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i anullsrc=r=48000:cl=stereo "
+                                          "-f lavfi -i sine=f=440:r=48000 -t 2 -map 0 -map 1 -map 2 -c:v mpeg4 -ac 2 -c:a ac3");
+    const struct
+    {
+        QString name;
+        QString audioId;
+    } files[] = {{QStringLiteral("two.avi"), QStringLiteral("2")}, // AVI: the stream number
+                 {QStringLiteral("two.mkv"), QStringLiteral("1")}}; // Matroska: the audio track
+    for (const auto &file : files) {
+        const QString input = testsupport::ffmpeg(dir.path(), file.name, inputs);
+        const QString output = input + QStringLiteral(".ac3");
+        QString log;
+        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -aid %2 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=192 -channels 2 "
+                                          "-srate 48000 -of rawaudio -o \"%3\"").arg(input, file.audioId, output),
+                           &log),
+                  0)
+            << log.toStdString();
+        EXPECT_GT(standin::channelLoudness(output, QStringLiteral("FL")), -40.0) << file.name.toStdString();
+    }
+}
+
+TEST_F(MencoderFrontTest, AudioStartingAfterTheVideoKeepsItsPlace)
+{
+    const QString mkv = testsupport::ffmpeg(dir.path(), QStringLiteral("late.mkv"),
+                                            QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 -itsoffset 0.5 "
+                                                           "-f lavfi -i sine=f=440:r=48000 -t 3 -c:v mpeg4 -ac 2 -c:a ac3"));
+    const QString output = dir.path() + QStringLiteral("/late.ac3");
+    QString log;
+    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -aid 0 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=192 -channels 2 "
+                                      "-srate 48000 -of rawaudio -o \"%2\"").arg(mkv, output),
+                       &log),
+              0)
+        << log.toStdString();
+    QString silence;
+    testsupport::run(QStringLiteral("ffmpeg -hide_banner -nostdin -i '%1' -af 'pan=mono|c0=FL,silencedetect=n=-50dB:d=0.1' "
+                                    "-f null - 2>&1 | grep -o 'silence_end: [0-9.]*'").arg(output),
+                     &silence);
+    EXPECT_NEAR(silence.section(QLatin1Char(' '), 1, 1).toDouble(), 0.5, 0.04) << silence.toStdString();
+}
+
 TEST_F(MencoderFrontTest, OtherCommandLinesReachMencoderUntouched)
 {
     const QString output = dir.path() + QStringLiteral("/stereo.avi.avi");
