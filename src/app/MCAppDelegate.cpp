@@ -158,6 +158,9 @@ void MCAppDelegate::handleHeaderCompression(int returnCode)
         return;
     currentSelection->jobType = QStringLiteral("MKV Remux");
     queueCurrentSelection();
+    // The queue keeps its own copy; the live record goes back to what the
+    // tab decides, so a Convert right after still converts.
+    selectionController->updateTabs();
 }
 
 QString MCAppDelegate::testNewFileURL(const QUrl &url, bool withAlerts)

@@ -140,6 +140,7 @@ QStringList MCJobWatcher::outputsOf(const MCJob &job, const QDateTime &startedAt
 void MCJobWatcher::stopAll(const std::function<void()> &stopAndEmptyQueue)
 {
     MCJob *running = m_queue->qJobIsRunning() ? m_queue->currentJob() : nullptr;
+    const QString runningName = running ? displayName(*running) : QString();
     QStringList partial;
     if (running) {
         const QDateTime since = m_startTimes.value(running);
@@ -153,6 +154,8 @@ void MCJobWatcher::stopAll(const std::function<void()> &stopAndEmptyQueue)
             partial.removeAll(path);
     }
     stopAndEmptyQueue();
+    if (running)
+        m_printer->jobFinished(runningName, false, QStringLiteral("stopped"));
     // The stop ends the tools and removes logs and intermediates; what the
     // job had begun to write as its result is half a file and goes too.
     for (const QString &path : std::as_const(partial)) {

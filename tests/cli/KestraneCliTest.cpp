@@ -254,6 +254,20 @@ TEST_F(CliJobs, DryRunPrintsTheCommandsAndWritesNothing)
     EXPECT_TRUE(result.out.contains(QStringLiteral("\"%1\"").arg(mkv)));
     EXPECT_TRUE(filesIn(saveDir.path()).isEmpty()) << filesIn(saveDir.path()).join(' ').toStdString();
 
+    // The remux offer for header-removal compression, answered from the command line.
+    const QString mkv4 = testsupport::ffmpeg(settingsDir.path(), QStringLiteral("plain.avi"),
+                                             QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=1 -f lavfi -i sine=d=1 "
+                                                            "-ac 2 -c:v mpeg4 -c:a ac3"));
+    const QString stripped = settingsDir.path() + QStringLiteral("/stripped.mkv");
+    ASSERT_EQ(testsupport::run(QStringLiteral("mkvmerge -q -o '%1' --compression 0:mpeg4_p2 '%2'").arg(stripped, mkv4)), 0);
+    const CliResult offer = runCli(common() + QStringList{QStringLiteral("convert"), QStringLiteral("--dry-run"),
+                                                          QStringLiteral("--remux-header-removal"), QStringLiteral("yes"), stripped});
+    EXPECT_EQ(offer.status, 0) << offer.err.toStdString();
+    EXPECT_TRUE(offer.err.startsWith(QStringLiteral("This video appears to have header removal compression.")));
+    EXPECT_TRUE(offer.out.contains(QStringLiteral("job: MKV Remux\n")));
+    EXPECT_TRUE(offer.out.contains(QStringLiteral("job: AVI Conversion\n")));
+    EXPECT_TRUE(offer.out.contains(QStringLiteral("--compression -1:none")));
+
     const CliResult join = runCli(common() + QStringList{QStringLiteral("--dry-run"), QStringLiteral("join"),
                                                          xvidAvi(QStringLiteral("dry-one.avi")), xvidAvi(QStringLiteral("dry-two.avi"))});
     EXPECT_EQ(join.status, 0) << join.err.toStdString();
