@@ -102,7 +102,17 @@ QString MCAviEditor::startAddingAudio()
 {
     converterName = kAudioMuxer;
     inputFileURL = converterSelection->videoTrackFileURL;
-    const MCVideoTrackPtr audio = trackToProcess();
+    // The start marks the source's own tracks as selected too, and they come
+    // first in the list; the file to add is the first added audio track.
+    MCVideoTrackPtr audio;
+    for (const MCVideoTrackPtr &track : converterSelection->trackList) {
+        if (track && track->externalTrackFlag && track->trackType == QStringLiteral("Audio")) {
+            audio = track;
+            break;
+        }
+    }
+    if (!audio)
+        audio = trackToProcess();
     if (!audio)
         return QStringLiteral("error");
     const QString stem = stemInSaveFolder(inputFileURL);
