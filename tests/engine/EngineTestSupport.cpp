@@ -1,5 +1,7 @@
 #include "EngineTestSupport.h"
 
+#include "TestSupport.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -117,4 +119,9 @@ QString processState(const QString &pid)
     const QString text = QString::fromLatin1(stat.readAll());
     const QString state = text.mid(text.lastIndexOf(QLatin1Char(')')) + 2, 1);
     return state == QStringLiteral("Z") ? QString() : state;
+}
+
+bool reachesState(const QString &pid, const QString &state)
+{
+    return testsupport::waitUntil([&] { return processState(pid) == state; }, 2000);
 }

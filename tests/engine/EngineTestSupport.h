@@ -76,3 +76,5 @@ MCSelectionPtr selectionFor(const QString &path, const QString &jobType = QStrin
 
 // "T" for a stopped process, "" when it is gone.
 QString processState(const QString &pid);
+// Signals land a moment after kill returns: waits for the state.
+bool reachesState(const QString &pid, const QString &state);

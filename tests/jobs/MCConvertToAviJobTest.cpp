@@ -299,12 +299,12 @@ TEST_F(AviConversionTest, PauseResumeAndStopThroughTheQueue)
     const QString pid = paused->stepPIDList().value(0);
     const QString log = prefs.saveFolder + QStringLiteral("/long.avi.log");
     queue.pauseQueueButton();
-    EXPECT_EQ(processState(pid), QStringLiteral("T"));
+    EXPECT_TRUE(reachesState(pid, QStringLiteral("T")));
     const qint64 sizeWhilePaused = QFileInfo(log).size();
     testsupport::waitUntil([] { return false; }, 700);
     EXPECT_EQ(QFileInfo(log).size(), sizeWhilePaused);
     queue.pauseQueueButton();
-    EXPECT_NE(processState(pid), QStringLiteral("T"));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return processState(pid) != QStringLiteral("T"); }, 2000));
     ASSERT_TRUE(waitForCompletion(paused));
     expectMedia(outputFor(longClip()), longClip(), QStringLiteral("xvid"), QStringLiteral("1280"), QStringLiteral("MPEG Audio"), QStringLiteral("2"));
 
