@@ -97,6 +97,14 @@ int MCCliSession::run()
     return finish();
 }
 
+QString MCCliSession::loadFailureLine(const QString &fileName, const QString &answer)
+{
+    const QString why = answer.compare(QStringLiteral("track not identified"), Qt::CaseInsensitive) == 0
+                            ? QStringLiteral("Kestrane could not identify one or more of the tracks in this file.")
+                            : QStringLiteral("Kestrane could not identify this file as a video!!!!!!!!!.");
+    return QStringLiteral("Error Opening: %1: %2").arg(fileName, why);
+}
+
 int MCCliSession::setUp()
 {
     const bool remuxAnswer = m_options.remuxHeaderRemoval == QStringLiteral("yes");
@@ -113,12 +121,8 @@ int MCCliSession::setUp()
         m_app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(QFileInfo(m_options.saveDir).absoluteFilePath());
     }
     m_app->queueSelection = [this](const MCSelectionPtr &selection) { takeSelection(selection); };
-    connect(m_app.get(), &MCAppDelegate::batchFileSkipped, this, [this](const QUrl &url, const QString &answer) {
-        const QString why = answer.compare(QStringLiteral("track not identified"), Qt::CaseInsensitive) == 0
-                                ? QStringLiteral("Kestrane could not identify one or more of the tracks in this file.")
-                                : QStringLiteral("Kestrane could not identify this file as a video!!!!!!!!!.");
-        fail(QStringLiteral("Error Opening: %1: %2").arg(url.fileName(), why));
-    });
+    connect(m_app.get(), &MCAppDelegate::batchFileSkipped, this,
+            [this](const QUrl &url, const QString &answer) { fail(loadFailureLine(url.fileName(), answer)); });
 
     m_printer = std::make_unique<MCProgressPrinter>(MCProgressPrinter::modeFor(stdout, m_options.quiet));
     if (m_options.dryRun)

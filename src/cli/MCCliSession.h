@@ -29,6 +29,9 @@ public:
     // failed, 2 bad usage, 128 + the signal when interrupted.
     int run();
 
+    // The window's alert line for a file that failed to load with answer.
+    static QString loadFailureLine(const QString &fileName, const QString &answer);
+
 private:
     int setUp();
     int choosePresets();

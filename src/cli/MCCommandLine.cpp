@@ -69,7 +69,7 @@ int MCCommandLine::inspect(const MCCliOptions &options)
         MCVideoFile file;
         const QString answer = file.initializeForURL(QUrl::fromLocalFile(info.absoluteFilePath()));
         if (answer != QStringLiteral("OK")) {
-            printError(QStringLiteral("kestrane-cli: %1: %2").arg(path, answer));
+            printError(MCCliSession::loadFailureLine(info.fileName(), answer));
             status = 1;
             continue;
         }

@@ -45,7 +45,7 @@ QString trackLine(const MCSelection &selection, const MCVideoFile &file, const M
         if (file.trackList.at(i).get() == &track)
             position = i + 1;
     }
-    const QString where = position > 0 ? QStringLiteral("track %1").arg(position) : QStringLiteral("track");
+    const QString where = position > 0 ? QStringLiteral("track %1").arg(position) : QStringLiteral("added track");
     QString source = QStringLiteral("%1 %2").arg(track.trackType, track.trackCodec);
     if (track.trackType == QStringLiteral("Audio"))
         source += QStringLiteral(" %1").arg(channelsText(track.trackNumberOfChannels));
@@ -59,7 +59,8 @@ QString trackLine(const MCSelection &selection, const MCVideoFile &file, const M
     else if (track.trackType == QStringLiteral("Audio"))
         target = audioTarget(track);
     const bool converting = selection.jobType == QStringLiteral("AVI Conversion");
-    return QStringLiteral("  %1%2: %3%4\n").arg(prefix, where, source, converting ? QStringLiteral(" -> ") + target : QString());
+    return QStringLiteral("  %1: %2%3\n").arg(prefix.isEmpty() ? where : prefix, source,
+                                                converting ? QStringLiteral(" -> ") + target : QString());
 }
 
 } // namespace
@@ -111,7 +112,7 @@ QString MCDryRun::describe(const MCSelection &selection, const MCVideoFile &file
     }
     for (const MCVideoTrackPtr &track : selection.addedAudioTrackList) {
         if (track)
-            text += trackLine(selection, file, *track, QStringLiteral("stereo copy of "));
+            text += trackLine(selection, file, *track, QStringLiteral("stereo copy"));
     }
     return text;
 }

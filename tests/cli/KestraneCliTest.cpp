@@ -123,7 +123,11 @@ TEST_F(CliJobs, BadInputIsNamedAndNothingIsQueuedForIt)
     text.write("not a video at all\n");
     text.close();
 
-    CliResult result = runCli(common() + QStringList{QStringLiteral("convert"), saveDir.path() + QStringLiteral("/missing.avi")});
+    CliResult result = runCli({QStringLiteral("inspect"), notes});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, QStringLiteral("Error Opening: notes.txt: Kestrane could not identify this file as a video!!!!!!!!!.\n"));
+
+    result = runCli(common() + QStringList{QStringLiteral("convert"), saveDir.path() + QStringLiteral("/missing.avi")});
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.err.contains(QStringLiteral("missing.avi: No such file or directory")));
 
