@@ -17,6 +17,11 @@
 #include "MCTrackTableModel.h"
 #include "MCVideoFile.h"
 
+#if KESTRANE_HAVE_APP
+#include "MCAppDelegate.h"
+#include "MCWindowBinding.h"
+#endif
+
 #include <QAction>
 #include <QApplication>
 #include <QDesktopServices>
@@ -38,11 +43,18 @@ const QString kWindowState = QStringLiteral("windowState");
 
 MCGuiApplication::MCGuiApplication(QObject *parent)
     : QObject(parent)
-    , m_preferences(MCPreferences::applicationPreferences())
 {
+#if KESTRANE_HAVE_APP
+    m_delegate = new MCAppDelegate(QString(), this);
+    m_delegate->applicationDidFinishLaunching();
+    m_preferences = m_delegate->appPreferences;
+    m_queue = m_delegate->queueController;
+#else
+    m_preferences = MCPreferences::applicationPreferences();
     MCJobTypes::registerAll();
     m_queue = new MCQueueController(this);
     m_queue->appPreferences = m_preferences;
+#endif
     m_window = std::make_unique<MCMainWindow>(m_preferences, m_queue);
     m_presenter = std::make_shared<MCGuiAlertPresenter>([this]() -> QWidget * { return m_window.get(); });
     MCAlertCenter::instance().setPresenter(m_presenter);
@@ -100,9 +112,26 @@ void MCGuiApplication::restoreGuiSettings()
 void MCGuiApplication::wireWindow()
 {
     MCMainWindow *w = m_window.get();
+#if KESTRANE_HAVE_APP
+    m_binding = new MCWindowBinding(w, m_delegate, this);
+    m_delegate->redrawQueueDrawer = [w] { w->queuePanel->update(); };
+    m_delegate->openWebPage = [](const QUrl &url) { QDesktopServices::openUrl(url); };
+    m_delegate->onlineGuideAddress = QString::fromLatin1(MCGuiLinks::onlineGuide);
+    m_delegate->onlineTroubleshootingAddress = QString::fromLatin1(MCGuiLinks::onlineTroubleshooting);
+    m_delegate->createGuiSettingsDictionary = [this] {
+        createGuiSettingsDictionary();
+        return m_preferences->guiSettingsDictionary;
+    };
+    connect(w->saveFileInfoAction, &QAction::triggered, m_delegate,
+            [this] { m_delegate->helpMenuItemSelected(QStringLiteral("Save File Info")); });
+#else
     auto drop = [this](const QList<QUrl> &urls) { openFiles(urls, QStringLiteral("drag")); };
     connect(w->trackTable, &MCDropTableView::filesDropped, this, drop);
     connect(w->fileTable, &MCDropTableView::filesDropped, this, drop);
+    // Without the selection rules only what the loaded file allows is offered.
+    for (QPushButton *button : {w->convertButton, w->joinButton, w->splitButton, w->remuxButton, w->startTrackEditButton})
+        button->setEnabled(false);
+#endif
     connect(w->openButton, &QPushButton::clicked, this, [this] { openFilePanel(QStringLiteral("open")); });
     connect(w->openAction, &QAction::triggered, this, [this] { openFilePanel(QStringLiteral("open")); });
     connect(w->addButton, &QPushButton::clicked, this, [this] { openFilePanel(QStringLiteral("add")); });
@@ -120,10 +149,6 @@ void MCGuiApplication::wireWindow()
     });
     connect(w->playButton, &QPushButton::clicked, this, &MCGuiApplication::playMovie);
     w->askToClose = [this](std::function<void(bool)> reply) { applicationShouldTerminate(reply); };
-    // The window's start commands need the selection rules; until they are
-    // bound, only what the loaded file allows is offered.
-    for (QPushButton *button : {w->convertButton, w->joinButton, w->splitButton, w->remuxButton, w->startTrackEditButton})
-        button->setEnabled(false);
 }
 
 void MCGuiApplication::openFilePanel(const QString &mode)
@@ -142,6 +167,10 @@ void MCGuiApplication::openFiles(const QList<QUrl> &urls, const QString &mode)
 {
     if (urls.isEmpty())
         return;
+#if KESTRANE_HAVE_APP
+    m_binding->openFiles(urls, mode);
+    return;
+#endif
     if (m_window->tabs->currentIndex() == 1) {
         listEditFiles(urls, mode == QLatin1String("add"));
         return;
@@ -200,6 +229,18 @@ void MCGuiApplication::listEditFiles(const QList<QUrl> &urls, bool append)
 
 void MCGuiApplication::applicationShouldTerminate(const std::function<void(bool)> &reply)
 {
+#if KESTRANE_HAVE_APP
+    // The delegate asks about a running job; the window's state is saved
+    // whichever way the quit was approved.
+    m_delegate->applicationShouldTerminate([this, reply](bool quit) {
+        if (quit) {
+            createGuiSettingsDictionary();
+            m_preferences->savePreferencesToDefaults();
+        }
+        reply(quit);
+    });
+    return;
+#endif
     auto finish = [this, reply] {
         createGuiSettingsDictionary();
         m_preferences->savePreferencesToDefaults();
@@ -235,7 +276,7 @@ void MCGuiApplication::startScreenshotTour()
              w->tabs->setCurrentIndex(1);
              w->tableStack->setCurrentIndex(1);
              w->trackToggles->hide();
-             listEditFiles(m_tourFiles, false);
+             openFiles(m_tourFiles, QStringLiteral("drag"));
          }},
         {QStringLiteral("main-edit-tracks"),
          [w] {
@@ -252,7 +293,10 @@ void MCGuiApplication::startScreenshotTour()
 
 void MCGuiApplication::playMovie()
 {
-    if (!m_videoFile)
+#if KESTRANE_HAVE_APP
+    m_videoFile = m_delegate->currentVideoFile;
+#endif
+    if (!m_videoFile || m_videoFile->trackList.isEmpty())
         return;
     auto selection = std::make_shared<MCSelection>();
     selection->initialize();

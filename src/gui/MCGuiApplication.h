@@ -8,10 +8,12 @@
 
 #include <memory>
 
+class MCAppDelegate;
 class MCGuiAlertPresenter;
 class MCMainWindow;
 class MCPreferences;
 class MCQueueController;
+class MCWindowBinding;
 
 // Builds the window over the application's controllers, installs the
 // window's alerts and keeps the window state in the preferences.
@@ -27,6 +29,9 @@ public:
 
     MCMainWindow *window() const { return m_window.get(); }
     MCQueueController *queue() const { return m_queue; }
+    // The application controller behind the window (null in a build
+    // without it, where the window keeps its own simple intake).
+    MCAppDelegate *delegate() const { return m_delegate; }
 
     // Files arriving by the open panel ("open", "add") or a drop ("drag").
     void openFiles(const QList<QUrl> &urls, const QString &mode);
@@ -49,8 +54,10 @@ private:
     std::shared_ptr<class MCVideoFile> m_videoFile;
     QList<QUrl> m_editFiles;
     QList<QUrl> m_tourFiles;
-    MCPreferences *m_preferences;
-    MCQueueController *m_queue;
+    MCAppDelegate *m_delegate = nullptr;
+    MCWindowBinding *m_binding = nullptr;
+    MCPreferences *m_preferences = nullptr;
+    MCQueueController *m_queue = nullptr;
     std::unique_ptr<MCMainWindow> m_window;
     std::shared_ptr<MCGuiAlertPresenter> m_presenter;
 };

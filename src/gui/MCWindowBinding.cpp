@@ -1,0 +1,349 @@
+#include "MCWindowBinding.h"
+
+#include "MCAppDelegate.h"
+#include "MCDropTableView.h"
+#include "MCMainWindow.h"
+#include "MCPresetsController.h"
+#include "MCSelection.h"
+#include "MCSelectionController.h"
+#include "MCTrackTableModel.h"
+#include "MCVideoFile.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QStringListModel>
+#include <QTabWidget>
+
+namespace {
+
+const QString kDrag = QStringLiteral("drag");
+
+// Replaces a pop-up's items only when they changed, so an open pop-up and
+// its highlighted item survive the many refreshes of a single action.
+void fillCombo(QComboBox *combo, const QStringList &items, const QString &current)
+{
+    QStringList present;
+    for (int i = 0; i < combo->count(); ++i)
+        present << combo->itemText(i);
+    if (present != items) {
+        combo->clear();
+        combo->addItems(items);
+    }
+    const int index = combo->findText(current);
+    if (index >= 0)
+        combo->setCurrentIndex(index);
+    else if (combo->isEditable())
+        combo->setEditText(current);
+}
+
+void checkRow(QButtonGroup *group, int index)
+{
+    if (QAbstractButton *button = group->button(index))
+        button->setChecked(true);
+}
+
+// The user's typing wins over a refresh while the field has the focus.
+void showText(QLineEdit *field, const QString &text)
+{
+    if (!field->hasFocus() && field->text() != text)
+        field->setText(text);
+}
+
+} // namespace
+
+MCWindowBinding::MCWindowBinding(MCMainWindow *window, MCAppDelegate *delegate, QObject *parent)
+    : QObject(parent)
+    , m_window(window)
+    , m_delegate(delegate)
+    , m_rules(delegate->selectionController)
+    , m_presets(delegate->presetsController)
+{
+    bindIntake();
+    bindAviTab();
+    bindEditTabs();
+    bindTracks();
+    bindPresets();
+    bindStartButtons();
+    connect(m_rules, &MCSelectionController::stateChanged, this, &MCWindowBinding::refresh);
+    connect(m_rules, &MCSelectionController::endEditingRequested, this, &MCWindowBinding::endTextEditing);
+    connect(m_rules, &MCSelectionController::clearTrackHighlight, m_window->trackTable,
+            [this] { m_window->trackTable->clearSelection(); });
+    connect(m_rules, &MCSelectionController::redrawRequested, m_window, [this] { m_window->update(); });
+    connect(m_presets, &MCPresetsController::presetsChanged, this, &MCWindowBinding::refreshPresets);
+    connect(m_presets, &MCPresetsController::methodIndexesChanged, this, &MCWindowBinding::refreshPresets);
+    connect(m_delegate, &MCAppDelegate::fileTextFieldChanged, this, &MCWindowBinding::refreshStatus);
+    connect(m_delegate, &MCAppDelegate::editFilesPathsArrayChanged, this,
+            [this] { m_window->fileModel->setStringList(m_delegate->editFilesPathsArray()); });
+    m_delegate->endTextEditing = [this] { endTextEditing(); };
+    m_rules->setCurrentTab(MCMainWindow::tabNames().value(m_window->tabs->currentIndex()));
+    m_rules->updateTabs();
+    refresh();
+}
+
+void MCWindowBinding::openFiles(const QList<QUrl> &urls, const QString &mode)
+{
+    if (urls.isEmpty())
+        return;
+    m_delegate->setOpeningFileMode(mode);
+    m_delegate->openedFileHubForFiles(urls);
+    // A new file's ticked tracks make the record's selection.
+    m_rules->trackTableSelectionChanged();
+    m_rules->updateTabs();
+    refresh();
+}
+
+void MCWindowBinding::userChanged()
+{
+    if (!m_refreshing)
+        m_rules->updateTabs();
+}
+
+void MCWindowBinding::endTextEditing()
+{
+    // Leaving the field commits its text through editingFinished.
+    if (auto *field = qobject_cast<QLineEdit *>(QApplication::focusWidget()))
+        emit field->editingFinished();
+}
+
+// ---------------------------------------------------------------- user -> rules
+
+void MCWindowBinding::bindIntake()
+{
+    auto drop = [this](const QList<QUrl> &urls) { openFiles(urls, kDrag); };
+    connect(m_window->trackTable, &MCDropTableView::filesDropped, this, drop);
+    connect(m_window->fileTable, &MCDropTableView::filesDropped, this, drop);
+    connect(m_window->tabs, &QTabWidget::currentChanged, this, [this](int index) {
+        if (m_refreshing)
+            return;
+        m_rules->setCurrentTab(MCMainWindow::tabNames().value(index));
+        m_rules->updateTabs();
+    });
+}
+
+void MCWindowBinding::bindAviTab()
+{
+    MCMainWindow *w = m_window;
+    connect(w->videoMatrix, &QButtonGroup::idClicked, this, [this](int id) {
+        m_rules->setVideoMatrixIndex(id);
+        userChanged();
+    });
+    connect(w->audioMatrix, &QButtonGroup::idClicked, this, [this](int id) {
+        m_rules->setAudioMatrixIndex(id);
+        userChanged();
+    });
+    connect(w->subtitleMatrix, &QButtonGroup::idClicked, this, [this](int id) {
+        m_rules->setSubtitleMatrixIndex(id);
+        userChanged();
+    });
+    connect(w->audioTrackPopUp, &QComboBox::activated, this, [this](int index) {
+        m_rules->setAudioTrackPopupIndex(index);
+        userChanged();
+    });
+    connect(w->audioBitRatePopUp, &QComboBox::textActivated, this, [this](const QString &rate) {
+        m_rules->currentSelection()->userAudioBitRate = rate;
+        userChanged();
+    });
+    connect(w->devicePopUp, &QComboBox::textActivated, this, [this](const QString &device) {
+        m_rules->setMp4Device(device);
+        userChanged();
+    });
+    connect(w->fpsCombo, &QComboBox::textActivated, this, [this](const QString &fps) {
+        m_rules->setEnteredUserFPS(fps);
+        userChanged();
+    });
+    if (QLineEdit *fpsText = w->fpsCombo->lineEdit())
+        bindField(fpsText, &MCSelectionController::setEnteredUserFPS);
+    bindField(w->vidBitRateField, &MCSelectionController::setEnteredUserVideoBitRate);
+    bindField(w->resWidthField, &MCSelectionController::setEnteredUserWidth);
+    connect(w->addStereoCheckBox, &QCheckBox::clicked, this, [this](bool ticked) {
+        m_rules->setAddStereoTrackButton(ticked ? 1 : 0);
+        userChanged();
+    });
+}
+
+void MCWindowBinding::bindEditTabs()
+{
+    MCMainWindow *w = m_window;
+    connect(w->splitTypeMatrix, &QButtonGroup::idClicked, this, [this](int id) {
+        m_rules->splitTypeMatrixIndex = id;
+        userChanged();
+    });
+    connect(w->editTrackMatrix, &QButtonGroup::idClicked, this, [this](int id) {
+        m_rules->setEditTrackMatrixIndex(id);
+        userChanged();
+    });
+    bindField(w->splitSize, &MCSelectionController::setEnteredSplitSize);
+    bindField(w->splitNumber, &MCSelectionController::setEnteredSplitNumber);
+    bindField(w->parWidth, &MCSelectionController::setEnteredParWidth);
+    bindField(w->parHeight, &MCSelectionController::setEnteredParHeight);
+}
+
+void MCWindowBinding::bindField(QLineEdit *field, void (MCSelectionController::*setter)(const QString &))
+{
+    connect(field, &QLineEdit::editingFinished, this, [this, field, setter] {
+        if (m_refreshing)
+            return;
+        const QString text = field->text().trimmed();
+        (m_rules->*setter)(text.isEmpty() ? QString() : text);
+        userChanged();
+    });
+}
+
+void MCWindowBinding::bindTracks()
+{
+    MCMainWindow *w = m_window;
+    w->trackModel->setSelectionChangedHandler([this] {
+        m_rules->trackTableSelectionChanged(MCSelectionController::senderTrackTable);
+        userChanged();
+    });
+    connect(w->toggleVideoButton, &QPushButton::clicked, m_rules, &MCSelectionController::toggleAllVideo);
+    connect(w->toggleAudioButton, &QPushButton::clicked, m_rules, &MCSelectionController::toggleAllAudio);
+    connect(w->toggleSubtitleButton, &QPushButton::clicked, m_rules, &MCSelectionController::toggleAllSubtitle);
+}
+
+void MCWindowBinding::bindPresets()
+{
+    MCMainWindow *w = m_window;
+    connect(w->presetSelectionsPopUp, &QComboBox::activated, this, [this](int index) {
+        m_presets->setSelectionMethodIndex(index);
+        // The preset ticked tracks: the record and the rules follow them.
+        m_rules->trackTableSelectionChanged();
+        userChanged();
+    });
+    connect(w->presetSettingsPopUp, &QComboBox::activated, this, [this](int index) {
+        m_presets->setSettingMethodIndex(index);
+        userChanged();
+    });
+    // The preset editors are not part of this window yet.
+    w->editSelectionsButton->setEnabled(false);
+    w->editSettingsButton->setEnabled(false);
+}
+
+void MCWindowBinding::bindStartButtons()
+{
+    MCMainWindow *w = m_window;
+    for (QPushButton *button : {w->convertButton, w->joinButton, w->splitButton, w->remuxButton, w->startTrackEditButton}) {
+        connect(button, &QPushButton::clicked, this, [this, button] { m_delegate->startProcess(button->text()); });
+    }
+}
+
+// ---------------------------------------------------------------- rules -> window
+
+void MCWindowBinding::refresh()
+{
+    if (m_refreshing)
+        return;
+    m_refreshing = true;
+    const int tab = MCMainWindow::tabNames().indexOf(m_rules->currentTab());
+    if (tab >= 0)
+        m_window->tabs->setCurrentIndex(tab);
+    refreshStatus();
+    refreshTracks();
+    refreshAviTab();
+    refreshEditTabs();
+    refreshPresets();
+    m_refreshing = false;
+}
+
+void MCWindowBinding::refreshStatus()
+{
+    const QString text = m_rules->statusText.isEmpty() ? m_delegate->fileTextField() : m_rules->statusText;
+    m_window->fileTextField->setText(text);
+    MCMainWindow::setColorName(m_window->fileTextField, m_rules->statusColor);
+}
+
+void MCWindowBinding::refreshTracks()
+{
+    MCMainWindow *w = m_window;
+    const MCTrackList &tracks = m_delegate->currentVideoFile ? m_delegate->currentVideoFile->trackList : MCTrackList();
+    if (w->trackModel->tracks() != tracks)
+        w->trackModel->setTracks(tracks);
+    else
+        w->trackModel->refresh();
+    w->trackTable->setEnabled(m_rules->trackTableEnabled);
+    w->tableStack->setCurrentWidget(m_rules->hideTrackTable ? static_cast<QWidget *>(w->fileTable)
+                                                            : static_cast<QWidget *>(w->trackTable));
+    w->trackToggles->setVisible(!m_rules->hideTrackTogglesFlag && !m_rules->hideTrackTable);
+    w->addButton->setEnabled(m_rules->currentTab() == MCSelectionController::tabEditFiles || m_rules->canAddTrack);
+}
+
+void MCWindowBinding::refreshAviTab()
+{
+    MCMainWindow *w = m_window;
+    const MCSelectionController &r = *m_rules;
+    checkRow(w->videoMatrix, r.videoMatrixIndex());
+    checkRow(w->audioMatrix, r.audioMatrixIndex());
+    checkRow(w->subtitleMatrix, r.subtitleMatrixIndex());
+    MCMainWindow::setColorName(w->videoMatrix->button(0), r.aviVideoPassThruColor);
+    MCMainWindow::setColorName(w->audioMatrix->button(0), r.aviAudioPassThruColor);
+
+    showText(w->vidBitRateField, r.enteredUserVideoBitRate());
+    showText(w->resWidthField, r.enteredUserWidth());
+    for (QWidget *field : {static_cast<QWidget *>(w->vidBitRateField), static_cast<QWidget *>(w->resWidthField),
+                           static_cast<QWidget *>(w->fpsCombo), static_cast<QWidget *>(w->devicePopUp)})
+        field->setEnabled(r.mustConvertVideoTrack);
+    MCMainWindow::setColorName(w->vidBitRateField, r.userBitRateOK ? QStringLiteral("black") : QStringLiteral("red"));
+    MCMainWindow::setColorName(w->resWidthField, r.userWidthOK ? QStringLiteral("black") : QStringLiteral("red"));
+    MCMainWindow::setColorName(w->fpsCombo, r.userFPSOK ? QStringLiteral("black") : QStringLiteral("red"));
+    if (!w->fpsCombo->hasFocus())
+        fillCombo(w->fpsCombo, r.fpsList, r.enteredUserFPS());
+    fillCombo(w->devicePopUp, r.deviceList, r.mp4Device());
+
+    fillCombo(w->audioTrackPopUp, r.audioTrackLabels(), QString());
+    w->audioTrackPopUp->setCurrentIndex(r.audioTrackPopupIndex());
+    w->audioTrackPopUp->setVisible(!r.hideAudioTrackPopupFlag);
+    w->audioTrackLabel->setVisible(!r.hideAudioTrackPopupFlag);
+    fillCombo(w->audioBitRatePopUp, r.audioBitRateContent, r.currentSelection()->userAudioBitRate);
+    w->audioBitRatePopUp->setEnabled(r.mustConvertAudioTrack);
+    w->addStereoCheckBox->setEnabled(r.canAddStereoTrack);
+    w->addStereoCheckBox->setChecked(r.addStereoTrackButton() != 0);
+
+    w->subtitleMatrix->button(0)->setEnabled(r.subtitleSelected && r.canBurnSubtitles);
+    w->subtitleMatrix->button(1)->setEnabled(r.subtitleSelected && r.canMuxSubtitles);
+    w->convertButton->setEnabled(r.canConvert);
+}
+
+void MCWindowBinding::refreshEditTabs()
+{
+    MCMainWindow *w = m_window;
+    const MCSelectionController &r = *m_rules;
+    checkRow(w->splitTypeMatrix, r.splitTypeMatrixIndex);
+    checkRow(w->editTrackMatrix, r.editTrackMatrixIndex());
+    showText(w->splitStartTime, r.enteredSplitStartTime);
+    showText(w->splitEndTime, r.enteredSplitEndTime);
+    showText(w->splitSize, r.enteredSplitSize());
+    showText(w->splitNumber, r.enteredSplitNumber());
+    showText(w->parWidth, r.enteredParWidth());
+    showText(w->parHeight, r.enteredParHeight());
+    const bool byTime = r.splitTypeMatrixIndex == 0;
+    w->splitStartTime->setEnabled(r.canSplit && byTime);
+    w->splitEndTime->setEnabled(r.canSplit && byTime);
+    w->splitSize->setEnabled(r.canSplit && !byTime);
+    w->splitNumber->setEnabled(r.canSplit && !byTime);
+    w->splitButton->setEnabled(r.canSplit);
+    w->joinButton->setEnabled(r.canJoin);
+    for (QWidget *control : {static_cast<QWidget *>(w->parWidth), static_cast<QWidget *>(w->parHeight),
+                             static_cast<QWidget *>(w->remuxButton)})
+        control->setEnabled(r.canEditPAR);
+    w->editTrackLabel->setText(r.editTrackLabel);
+    w->startTrackEditButton->setEnabled(r.canEditTracks);
+    w->addTracksButton->setEnabled(r.canAddTrack);
+}
+
+void MCWindowBinding::refreshPresets()
+{
+    const bool wasRefreshing = m_refreshing;
+    m_refreshing = true;
+    fillCombo(m_window->presetSelectionsPopUp, m_presets->presetSelectionsNamesList, QString());
+    m_window->presetSelectionsPopUp->setCurrentIndex(m_presets->selectionMethodIndex());
+    fillCombo(m_window->presetSettingsPopUp, m_presets->presetSettingsNamesList, QString());
+    m_window->presetSettingsPopUp->setCurrentIndex(m_presets->settingMethodIndex());
+    m_refreshing = wasRefreshing;
+}

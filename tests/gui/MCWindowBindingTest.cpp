@@ -1,0 +1,169 @@
+// The window driven through the application controller: a start queues a
+// job, and quitting while it runs asks first.
+#if KESTRANE_HAVE_APP
+
+#include "MCAppDelegate.h"
+#include "MCDropTableView.h"
+#include "MCGuiApplication.h"
+#include "MCJob.h"
+#include "MCMainWindow.h"
+#include "MCQueueController.h"
+#include "MCQueuePanel.h"
+#include "MCSelectionController.h"
+#include "MCVideoFile.h"
+#include "MCTrackTableModel.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QButtonGroup>
+#include <QDir>
+#include <QDropEvent>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStackedWidget>
+#include <QTabWidget>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTableView>
+#include <QTemporaryDir>
+
+namespace {
+
+void drop(MCDropTableView *table, const QString &path)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(table->viewport(), &enter);
+    QDropEvent event(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(table->viewport(), &event);
+}
+
+// The scheduler state of a process ("T" when stopped).
+QString processState(const QString &pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return {};
+    const QString line = QString::fromLatin1(stat.readAll());
+    return line.mid(line.lastIndexOf(QLatin1Char(')')) + 2, 1);
+}
+
+class WindowBindingTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir.isValid());
+        app = std::make_unique<MCGuiApplication>();
+        app->start({});
+        alerts = testsupport::recordAlerts();
+        w = app->window();
+    }
+
+    void TearDown() override
+    {
+        app->delegate()->stopAndEmptyQueue();
+    }
+
+    // Loads a generated AVI (MPEG-4 video, MP3 audio) into the track table.
+    void load(const QString &name, int seconds, const QString &size)
+    {
+        const QString path = testsupport::ffmpeg(
+            dir.path(), name,
+            QStringLiteral("-f lavfi -i testsrc=size=%1:rate=25 -f lavfi -i sine -t %2 -c:v mpeg4 -c:a libmp3lame")
+                .arg(size)
+                .arg(seconds));
+        drop(w->trackTable, path);
+        ASSERT_TRUE(testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000));
+        EXPECT_EQ(w->fileTextField->text(), path);
+        // Without a selection preset the user ticks the tracks.
+        EXPECT_FALSE(w->convertButton->isEnabled());
+        w->toggleVideoButton->click();
+        w->toggleAudioButton->click();
+    }
+
+    MCJob *runningJob() const
+    {
+        MCJob *job = app->queue()->currentJob();
+        return job && !job->stepPIDList().isEmpty() ? job : nullptr;
+    }
+
+    QTemporaryDir dir;
+    std::unique_ptr<MCGuiApplication> app;
+    std::shared_ptr<RecordingAlertPresenter> alerts;
+    MCMainWindow *w = nullptr;
+};
+
+TEST_F(WindowBindingTest, ConvertQueuesAPassThroughJobAndShowsItsProgress)
+{
+    load(QStringLiteral("tiny.avi"), 1, QStringLiteral("160x120"));
+    EXPECT_TRUE(w->videoMatrix->button(0)->isChecked());
+    EXPECT_TRUE(w->audioMatrix->button(0)->isChecked());
+    // Passing the tracks through leaves nothing to type.
+    EXPECT_FALSE(w->vidBitRateField->isEnabled());
+    ASSERT_TRUE(w->convertButton->isEnabled());
+    w->convertButton->click();
+
+    ASSERT_EQ(app->queue()->qJobList().size(), 1);
+    EXPECT_EQ(app->queue()->qJobList().first()->jobType, QStringLiteral("AVI Conversion"));
+    QAbstractItemModel *progress = w->queuePanel->progressTable()->model();
+    bool sawRow = false;
+    ASSERT_TRUE(testsupport::waitUntil([&] {
+        sawRow = sawRow || progress->rowCount() > 0;
+        return app->queue()->qJobList().first()->jobStatus() == QStringLiteral("Completed");
+    }, 60000));
+    EXPECT_TRUE(sawRow);
+    EXPECT_TRUE(alerts->alerts.isEmpty()) << alerts->alerts.first().message.toStdString();
+}
+
+TEST_F(WindowBindingTest, TabsAndTrackTicksReachTheRules)
+{
+    load(QStringLiteral("tiny.avi"), 1, QStringLiteral("160x120"));
+    // Without a video track there is nothing to convert.
+    w->trackModel->setData(w->trackModel->index(0, MCTrackTableModel::SelectedColumn), Qt::Unchecked,
+                           Qt::CheckStateRole);
+    EXPECT_FALSE(w->convertButton->isEnabled());
+    w->toggleVideoButton->click();
+    EXPECT_TRUE(w->convertButton->isEnabled());
+    EXPECT_EQ(w->trackModel->index(0, MCTrackTableModel::SelectedColumn).data(Qt::CheckStateRole).toInt(), Qt::Checked);
+
+    // Typed bit rates count once the video is re-encoded.
+    w->videoMatrix->button(1)->click();
+    EXPECT_TRUE(w->vidBitRateField->isEnabled());
+    w->vidBitRateField->setText(QStringLiteral("1500.6"));
+    emit w->vidBitRateField->editingFinished();
+    EXPECT_EQ(w->vidBitRateField->text(), QStringLiteral("1501"));
+
+    w->tabs->setCurrentIndex(1);
+    EXPECT_EQ(w->tableStack->currentWidget(), w->fileTable);
+    EXPECT_FALSE(w->joinButton->isEnabled());
+}
+
+TEST_F(WindowBindingTest, QuitWithARunningJobAndCancelLeavesItPaused)
+{
+    load(QStringLiteral("long.avi"), 40, QStringLiteral("640x480"));
+    w->videoMatrix->button(2)->click(); // two passes: long enough to catch running
+    w->convertButton->click();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return runningJob() != nullptr; }, 20000));
+    MCJob *job = runningJob();
+
+    alerts->answer = MCAlertSecondButtonReturn;
+    w->close();
+    ASSERT_EQ(alerts->alerts.size(), 1);
+    EXPECT_EQ(alerts->alerts.first().message, QStringLiteral("Videos are still being processed.  Quit anyways?"));
+    EXPECT_TRUE(w->isVisible());
+    const QString pid = job->stepPIDList().last();
+    EXPECT_TRUE(testsupport::waitUntil([&] { return processState(pid) == QStringLiteral("T"); }, 2000))
+        << processState(pid).toStdString();
+    EXPECT_TRUE(app->queue()->qJobIsRunning());
+    EXPECT_EQ(app->queue()->qJobList().size(), 1);
+}
+
+} // namespace
+
+#endif
