@@ -55,6 +55,11 @@ MCAppDelegate::MCAppDelegate(const QString &settingsFilePath, QObject *parent)
 
 MCAppDelegate::~MCAppDelegate()
 {
+    // The queue may still stop a running job, whose steps read the
+    // preferences: it goes first, the preferences last.
+    delete queueController;
+    delete presetsController;
+    delete selectionController;
     if (MCPreferences::applicationPreferences() == appPreferences)
         MCPreferences::setApplicationPreferences(nullptr);
 }

@@ -62,6 +62,10 @@ MCCliSession::MCCliSession(MCCliOptions options, QObject *parent)
 
 MCCliSession::~MCCliSession()
 {
+    // They follow the controller's queue and print through the printer.
+    delete m_watcher;
+    delete m_dryRun;
+    m_app.reset();
     MCAlertCenter::instance().setPresenter(nullptr);
 }
 
