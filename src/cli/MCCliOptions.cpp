@@ -8,7 +8,7 @@ namespace {
 
 using Setter = std::function<std::optional<QString>(MCCliOptions &, const QString &)>;
 
-struct OptionSpec
+struct OptionRule
 {
     QString name;
     bool takesValue;
@@ -63,9 +63,9 @@ std::optional<QString> timeRange(const QString &value, MCCliOptions &options)
 
 const QStringList kConvert{QStringLiteral("convert")};
 
-const QList<OptionSpec> &optionSpecs()
+const QList<OptionRule> &optionRules()
 {
-    static const QList<OptionSpec> specs{
+    static const QList<OptionRule> specs{
         {QStringLiteral("help"), false, {}, [](MCCliOptions &o, const QString &) { o.help = true; return std::optional<QString>(); }},
         {QStringLiteral("version"), false, {}, [](MCCliOptions &o, const QString &) { o.version = true; return std::optional<QString>(); }},
         {QStringLiteral("dry-run"), false, {}, [](MCCliOptions &o, const QString &) { o.dryRun = true; return std::optional<QString>(); }},
@@ -107,18 +107,18 @@ const QList<OptionSpec> &optionSpecs()
     return specs;
 }
 
-const OptionSpec *findSpec(const QString &name)
+const OptionRule *findRule(const QString &name)
 {
-    for (const OptionSpec &spec : optionSpecs()) {
-        if (spec.name == name)
-            return &spec;
+    for (const OptionRule &rule : optionRules()) {
+        if (rule.name == name)
+            return &rule;
     }
     return nullptr;
 }
 
 struct PendingOption
 {
-    const OptionSpec *spec;
+    const OptionRule *rule;
     QString value;
 };
 
@@ -193,11 +193,11 @@ std::optional<QString> MCCliOptions::parse(const QStringList &arguments, MCCliOp
             return QStringLiteral("invalid option -- '%1'").arg(argument.mid(1));
         const qsizetype equals = argument.indexOf(QLatin1Char('='));
         const QString name = argument.mid(2, equals < 0 ? -1 : equals - 2);
-        const OptionSpec *spec = findSpec(name);
-        if (!spec)
+        const OptionRule *rule = findRule(name);
+        if (!rule)
             return QStringLiteral("unrecognized option '--%1'").arg(name);
         QString value;
-        if (spec->takesValue) {
+        if (rule->takesValue) {
             if (equals >= 0) {
                 value = argument.mid(equals + 1);
             } else if (i + 1 < arguments.size()) {
@@ -208,12 +208,12 @@ std::optional<QString> MCCliOptions::parse(const QStringList &arguments, MCCliOp
         } else if (equals >= 0) {
             return QStringLiteral("option '--%1' doesn't allow an argument").arg(name);
         }
-        if (spec->commands.isEmpty()) {
-            if (const std::optional<QString> error = spec->set(out, value))
+        if (rule->commands.isEmpty()) {
+            if (const std::optional<QString> error = rule->set(out, value))
                 return error;
             continue;
         }
-        pending << PendingOption{spec, value};
+        pending << PendingOption{rule, value};
     }
     if (out.help || out.version)
         return std::nullopt;
@@ -222,9 +222,9 @@ std::optional<QString> MCCliOptions::parse(const QStringList &arguments, MCCliOp
     if (!commands().contains(out.command))
         return QStringLiteral("unknown command '%1'").arg(out.command);
     for (const PendingOption &option : pending) {
-        if (!option.spec->commands.contains(out.command))
-            return QStringLiteral("option '--%1' does not apply to %2").arg(option.spec->name, out.command);
-        if (const std::optional<QString> error = option.spec->set(out, option.value))
+        if (!option.rule->commands.contains(out.command))
+            return QStringLiteral("option '--%1' does not apply to %2").arg(option.rule->name, out.command);
+        if (const std::optional<QString> error = option.rule->set(out, option.value))
             return error;
     }
     return checkCommandRules(out);

@@ -2,7 +2,7 @@
 
 #include "MCCliOptions.h"
 #include "MCCliSession.h"
-#include "MCInspectReport.h"
+#include "MCJsonReport.h"
 #include "MCVideoFile.h"
 
 #include <QCoreApplication>
@@ -74,7 +74,7 @@ int MCCommandLine::inspect(const MCCliOptions &options)
             continue;
         }
         if (options.json)
-            files.append(MCInspectReport::fileObject(file));
+            files.append(MCJsonReport::fileObject(file));
         else
             printOut(file.stringFromFileProperties());
     }

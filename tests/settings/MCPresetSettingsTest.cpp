@@ -27,9 +27,9 @@ Outcome bestGuess(const char *device, const char *width, const char *height, con
                   const char *codec, int action = 4, bool burnSubtitle = false)
 {
     Rules r;
-    QList<TrackSpec> tracks{{"Video", codec}, {"Audio", "mp3", "2"}};
+    QList<TrackShape> tracks{{"Video", codec}, {"Audio", "mp3", "2"}};
     if (burnSubtitle)
-        tracks.append(TrackSpec{"Subtitle", "srt"});
+        tracks.append(TrackShape{"Subtitle", "srt"});
     const auto file = makeFile(tracks);
     file->theWidth = QString::fromLatin1(width);
     file->theHeight = QString::fromLatin1(height);
@@ -109,7 +109,7 @@ TEST(MCPresetSettingsTest, AudioRulesPerChannelLayout)
     struct Case
     {
         const char *what;
-        TrackSpec track;
+        TrackShape track;
         int stereoAction;
         const char *stereoRate;
         int surroundAction;

@@ -18,7 +18,7 @@ TEST(MCSelectionControllerTest, AviTabDecidesWhatMayBeConverted)
     struct Case
     {
         const char *what;
-        QList<TrackSpec> tracks;
+        QList<TrackShape> tracks;
         bool canConvert;
         bool canBurn;
         QString videoColor;

@@ -12,7 +12,7 @@
 // rules can be driven without inspecting media.
 namespace rulestest {
 
-struct TrackSpec
+struct TrackShape
 {
     const char *type;
     const char *codec = "none";
@@ -22,20 +22,20 @@ struct TrackSpec
     bool external = false;
 };
 
-inline MCVideoTrackPtr makeTrack(const TrackSpec &spec)
+inline MCVideoTrackPtr makeTrack(const TrackShape &shape)
 {
     auto track = std::make_shared<MCVideoTrack>();
-    track->trackType = QString::fromLatin1(spec.type);
-    track->trackCodec = QString::fromLatin1(spec.codec);
-    track->trackNumberOfChannels = QString::fromLatin1(spec.channels);
-    track->trackLanguage = QString::fromLatin1(spec.language);
+    track->trackType = QString::fromLatin1(shape.type);
+    track->trackCodec = QString::fromLatin1(shape.codec);
+    track->trackNumberOfChannels = QString::fromLatin1(shape.channels);
+    track->trackLanguage = QString::fromLatin1(shape.language);
     track->trackBitRate = QStringLiteral("192");
-    track->trackSelected = spec.selected;
-    track->externalTrackFlag = spec.external;
+    track->trackSelected = shape.selected;
+    track->externalTrackFlag = shape.external;
     return track;
 }
 
-inline std::shared_ptr<MCVideoFile> makeFile(const QList<TrackSpec> &tracks,
+inline std::shared_ptr<MCVideoFile> makeFile(const QList<TrackShape> &tracks,
                                              const QString &extension = QStringLiteral("avi"))
 {
     auto file = std::make_shared<MCVideoFile>();
@@ -48,9 +48,9 @@ inline std::shared_ptr<MCVideoFile> makeFile(const QList<TrackSpec> &tracks,
     file->theVideoCodec = QStringLiteral("h264");
     file->theFPS = QStringLiteral("25");
     int videos = 0, audios = 0, subtitles = 0;
-    for (const TrackSpec &spec : tracks) {
-        file->trackList.append(makeTrack(spec));
-        const QString type = QString::fromLatin1(spec.type);
+    for (const TrackShape &shape : tracks) {
+        file->trackList.append(makeTrack(shape));
+        const QString type = QString::fromLatin1(shape.type);
         videos += type == QLatin1String("Video");
         audios += type == QLatin1String("Audio");
         subtitles += type.endsWith(QLatin1String("Subtitle"));

@@ -1,4 +1,4 @@
-#include "MCInspectReport.h"
+#include "MCJsonReport.h"
 
 #include "MCVideoFile.h"
 
@@ -13,7 +13,7 @@ QString pathOf(const QUrl &url)
 
 } // namespace
 
-QJsonObject MCInspectReport::trackObject(const MCVideoTrack &track)
+QJsonObject MCJsonReport::trackObject(const MCVideoTrack &track)
 {
     return {
         {QStringLiteral("trackType"), track.trackType},
@@ -60,7 +60,7 @@ QJsonObject MCInspectReport::trackObject(const MCVideoTrack &track)
     };
 }
 
-QJsonObject MCInspectReport::fileObject(const MCVideoFile &file)
+QJsonObject MCJsonReport::fileObject(const MCVideoFile &file)
 {
     QJsonArray tracks;
     for (const MCVideoTrackPtr &track : file.trackList) {
