@@ -65,7 +65,7 @@ const QStringList kConvert{QStringLiteral("convert")};
 
 const QList<OptionRule> &optionRules()
 {
-    static const QList<OptionRule> specs{
+    static const QList<OptionRule> rules{
         {QStringLiteral("help"), false, {}, [](MCCliOptions &o, const QString &) { o.help = true; return std::optional<QString>(); }},
         {QStringLiteral("version"), false, {}, [](MCCliOptions &o, const QString &) { o.version = true; return std::optional<QString>(); }},
         {QStringLiteral("dry-run"), false, {}, [](MCCliOptions &o, const QString &) { o.dryRun = true; return std::optional<QString>(); }},
@@ -104,7 +104,7 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("size"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--size"), v, o.sizeMB); }},
         {QStringLiteral("pieces"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--pieces"), v, o.pieces); }},
     };
-    return specs;
+    return rules;
 }
 
 const OptionRule *findRule(const QString &name)
