@@ -21,6 +21,8 @@
 #include <QStringListModel>
 #include <QTabWidget>
 
+#include <functional>
+
 namespace {
 
 const QString kDrag = QStringLiteral("drag");
@@ -191,7 +193,9 @@ void MCWindowBinding::bindField(QLineEdit *field, void (MCSelectionController::*
         if (m_refreshing)
             return;
         const QString text = field->text().trimmed();
-        (m_rules->*setter)(text.isEmpty() ? QString() : text);
+        // std::invoke rather than ->*: GCC 12's vptr sanitizer checks a stack
+        // address instead of the object when ->* is applied inside a lambda.
+        std::invoke(setter, m_rules, text.isEmpty() ? QString() : text);
         userChanged();
     });
 }
