@@ -3,6 +3,8 @@
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
 #include "MCMainWindow.h"
+#include "MCPresetSelectionsPanel.h"
+#include "MCPresetSettingsPanel.h"
 #include "MCPresetsController.h"
 #include "MCSelection.h"
 #include "MCSelectionController.h"
@@ -225,9 +227,28 @@ void MCWindowBinding::bindPresets()
         m_presets->setSettingMethodIndex(index);
         userChanged();
     });
-    // The preset editors are not part of this window yet.
-    w->editSelectionsButton->setEnabled(false);
-    w->editSettingsButton->setEnabled(false);
+    bindPresetEditors();
+}
+
+void MCWindowBinding::bindPresetEditors()
+{
+    presetSelectionsPanel = new MCPresetSelectionsPanel(m_presets, m_window);
+    presetSettingsPanel = new MCPresetSettingsPanel(m_presets, m_window);
+    connect(m_window->editSelectionsButton, &QPushButton::clicked, presetSelectionsPanel,
+            &MCPresetSelectionsPanel::openPresetSelectionPanel);
+    connect(m_window->editSettingsButton, &QPushButton::clicked, presetSettingsPanel,
+            &MCPresetSettingsPanel::openPresetSettingsPanel);
+    // The preset chosen in an editor is in force: its tracks make the
+    // record's selection, as when it is chosen from the pop-up.
+    connect(presetSelectionsPanel, &MCPresetSelectionsPanel::presetChosen, this, [this] {
+        m_rules->trackTableSelectionChanged();
+        m_rules->updateTabs();
+        refresh();
+    });
+    connect(presetSettingsPanel, &MCPresetSettingsPanel::presetChosen, this, [this] {
+        m_rules->updateTabs();
+        refresh();
+    });
 }
 
 void MCWindowBinding::bindStartButtons()

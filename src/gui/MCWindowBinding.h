@@ -6,6 +6,8 @@
 
 class MCAppDelegate;
 class MCMainWindow;
+class MCPresetSelectionsPanel;
+class MCPresetSettingsPanel;
 class MCPresetsController;
 class MCSelectionController;
 class QLineEdit;
@@ -26,12 +28,18 @@ public:
     // Copies every published value into the controls.
     void refresh();
 
+    // The two preset editors, opened by the "Edit..." buttons beside the
+    // preset pop-ups.
+    MCPresetSelectionsPanel *presetSelectionsPanel;
+    MCPresetSettingsPanel *presetSettingsPanel;
+
 private:
     void bindIntake();
     void bindAviTab();
     void bindEditTabs();
     void bindTracks();
     void bindPresets();
+    void bindPresetEditors();
     void bindStartButtons();
     // A typed field hands its text to a setter when editing ends.
     void bindField(QLineEdit *field, void (MCSelectionController::*setter)(const QString &));

@@ -235,6 +235,55 @@ MCPresetSettingsPtr MCPresetsController::selectedPresetSettings() const
     return m_settingsTableIndex >= 0 && m_settingsTableIndex < view.size() ? view.at(m_settingsTableIndex) : nullptr;
 }
 
+namespace {
+
+template<typename Preset>
+QStringList namesOf(const QList<std::shared_ptr<Preset>> &view)
+{
+    QStringList names;
+    for (const auto &preset : view)
+        names.append(preset->pName);
+    return names;
+}
+
+template<typename Preset>
+bool rename(const std::shared_ptr<Preset> &preset, const QString &name)
+{
+    const QString trimmed = name.trimmed();
+    if (!preset || !preset->isEditable || trimmed.isEmpty() || trimmed == kManual)
+        return false;
+    preset->pName = trimmed;
+    return true;
+}
+
+} // namespace
+
+QStringList MCPresetsController::selectionsViewNames() const
+{
+    return namesOf(viewOf(presetSelectionsList));
+}
+
+QStringList MCPresetsController::settingsViewNames() const
+{
+    return namesOf(viewOf(presetSettingsList));
+}
+
+bool MCPresetsController::renameSelectedPresetSelections(const QString &name)
+{
+    if (!rename(selectedPresetSelections(), name))
+        return false;
+    creatSelectionsNamesList();
+    return true;
+}
+
+bool MCPresetsController::renameSelectedPresetSettings(const QString &name)
+{
+    if (!rename(selectedPresetSettings(), name))
+        return false;
+    creatSettingsNamesList();
+    return true;
+}
+
 void MCPresetsController::selectionListTableClicked(int position)
 {
     stopAllFilterEditing();

@@ -103,6 +103,14 @@ public:
     // The presets selected in the editors' list views (null for none).
     MCPresetSelectionsPtr selectedPresetSelections() const;
     MCPresetSettingsPtr selectedPresetSettings() const;
+    // The names the editors' list views show, in list order.
+    QStringList selectionsViewNames() const;
+    QStringList settingsViewNames() const;
+    // Renames the preset selected in an editor. Built-in presets keep their
+    // names, and an empty name or "Manual" (which the views leave out) is
+    // refused; answers whether the name was taken.
+    bool renameSelectedPresetSelections(const QString &name);
+    bool renameSelectedPresetSettings(const QString &name);
     Q_INVOKABLE void guiClickedTrap();
 
     // Filter editor.
