@@ -10,6 +10,7 @@
 #include "MCQueueController.h"
 #include "MCSelectionController.h"
 #include "MCVideoFile.h"
+#include "MCWatchModeController.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -56,7 +57,9 @@ MCAppDelegate::MCAppDelegate(const QString &settingsFilePath, QObject *parent)
 MCAppDelegate::~MCAppDelegate()
 {
     // The queue may still stop a running job, whose steps read the
-    // preferences: it goes first, the preferences last.
+    // preferences: it goes first, the preferences last. The watch scan
+    // feeds the queue, so it stops before that.
+    delete watchModeController;
     delete queueController;
     delete presetsController;
     delete selectionController;
@@ -85,6 +88,11 @@ void MCAppDelegate::applicationDidFinishLaunching()
     selectionController->initialize();
     queueController = new MCQueueController(this);
     queueController->appPreferences = appPreferences;
+    watchModeController = new MCWatchModeController(this);
+    watchModeController->appDelegate = this;
+    watchModeController->appPreferences = appPreferences;
+    watchModeController->queueController = queueController;
+    queueController->setWatchModeController(watchModeController);
     connect(selectionController, &MCSelectionController::endEditingRequested, this, [this] {
         if (endTextEditing)
             endTextEditing();

@@ -18,6 +18,7 @@ class MCPresetsController;
 class MCQueueController;
 class MCSelectionController;
 class MCVideoFile;
+class MCWatchModeController;
 
 // The application controller: builds the preferences, the presets, the
 // selection rules and the queue; takes files in (opened, dropped, watched),
@@ -44,6 +45,7 @@ public:
     MCPresetsController *presetsController = nullptr;
     MCSelectionController *selectionController = nullptr;
     MCQueueController *queueController = nullptr;
+    MCWatchModeController *watchModeController = nullptr;
     std::shared_ptr<MCVideoFile> currentVideoFile;
     MCSelectionPtr currentSelection;
     QList<QUrl> editFilesURLsArray;

@@ -123,7 +123,6 @@ QString MCAviEditor::startAddingAudio()
     const QList<QUrl> inputs{inputFileURL, audio->trackFileURL};
     if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
         return QStringLiteral("error");
-    MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
     return launch(QStringLiteral("avimerge"),
                   {QStringLiteral("-i"), inputFileURL, QStringLiteral("-p"), audio->trackFileURL, QStringLiteral("-o"),
                    outputFileURL},
@@ -134,6 +133,8 @@ QString MCAviEditor::launch(const QString &tool, MCOptionList arguments, const Q
 {
     if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
         return QStringLiteral("error");
+    // A watched folder must not take the result up as a new movie.
+    MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
     arguments << QStringLiteral("&>") << logFileURL << QStringLiteral("& echo $!");
     return launchInBackground(urlOfApp(tool), arguments);
 }

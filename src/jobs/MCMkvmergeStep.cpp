@@ -1,5 +1,6 @@
 #include "MCMkvmergeStep.h"
 
+#include "MCNotificationCenter.h"
 #include "MCOutputGuard.h"
 
 #include <QFileInfo>
@@ -28,6 +29,8 @@ QString MCMkvmergeStep::launchMkvmerge(MCOptionList arguments, const QList<QUrl>
     doShell_ID.clear();
     if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
         return QStringLiteral("error");
+    // A watched folder must not take the result up as a new movie.
+    MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
     arguments << QStringLiteral("&>") << logFileURL << QStringLiteral("& echo $!");
     return launchInBackground(urlOfApp(QStringLiteral("mkvmerge")), arguments);
 }
