@@ -73,9 +73,9 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("settings"), true, {}, [](MCCliOptions &o, const QString &v) { o.settingsFile = v; return std::optional<QString>(); }},
         {QStringLiteral("save-dir"), true, {}, [](MCCliOptions &o, const QString &v) { o.saveDir = v; return std::optional<QString>(); }},
         {QStringLiteral("json"), false, {QStringLiteral("inspect")}, [](MCCliOptions &o, const QString &) { o.json = true; return std::optional<QString>(); }},
-        {QStringLiteral("selection-preset"), true, {QStringLiteral("convert"), QStringLiteral("extract")},
+        {QStringLiteral("selection-preset"), true, {QStringLiteral("convert"), QStringLiteral("extract"), QStringLiteral("watch")},
          [](MCCliOptions &o, const QString &v) { o.selectionPreset = v; return std::optional<QString>(); }},
-        {QStringLiteral("settings-preset"), true, kConvert, [](MCCliOptions &o, const QString &v) { o.settingsPreset = v; return std::optional<QString>(); }},
+        {QStringLiteral("settings-preset"), true, {QStringLiteral("convert"), QStringLiteral("watch")}, [](MCCliOptions &o, const QString &v) { o.settingsPreset = v; return std::optional<QString>(); }},
         {QStringLiteral("tracks"), true, {QStringLiteral("convert"), QStringLiteral("extract")}, [](MCCliOptions &o, const QString &v) { return trackList(v, o); }},
         {QStringLiteral("device"), true, kConvert,
          [](MCCliOptions &o, const QString &v) {
@@ -140,6 +140,12 @@ std::optional<QString> checkCommandRules(const MCCliOptions &options)
         return QStringLiteral("join needs at least two files");
     if ((options.command == QStringLiteral("extract") || options.command == QStringLiteral("remux")) && options.files.size() != 1)
         return QStringLiteral("%1 takes exactly one file").arg(options.command);
+    if (options.command == QStringLiteral("watch")) {
+        if (options.files.size() != 1)
+            return QStringLiteral("watch takes exactly one folder");
+        if (options.dryRun)
+            return QStringLiteral("watch cannot be a dry run");
+    }
     if (options.files.isEmpty())
         return QStringLiteral("%1: no file given").arg(options.command);
     return std::nullopt;
@@ -156,7 +162,7 @@ bool MCCliOptions::hasExplicitSettings() const
 const QStringList &MCCliOptions::commands()
 {
     static const QStringList names{QStringLiteral("inspect"), QStringLiteral("convert"), QStringLiteral("join"), QStringLiteral("split"),
-                                   QStringLiteral("extract"), QStringLiteral("add-audio"), QStringLiteral("remux")};
+                                   QStringLiteral("extract"), QStringLiteral("add-audio"), QStringLiteral("remux"), QStringLiteral("watch")};
     return names;
 }
 

@@ -14,6 +14,7 @@
 #include "MCSelectionController.h"
 #include "MCSignalWatcher.h"
 #include "MCVideoFile.h"
+#include "MCWatchModeController.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -96,6 +97,8 @@ int MCCliSession::run()
         usage = addAudio();
     else if (command == QStringLiteral("remux"))
         usage = remux();
+    else if (command == QStringLiteral("watch"))
+        return watch();
     if (usage >= 0)
         return usage;
     return finish();
@@ -448,6 +451,9 @@ void MCCliSession::interrupted(int signalNumber)
     if (m_signal != 0)
         return;
     m_signal = signalNumber;
+    m_jobCutShort = m_app->queueController->qJobIsRunning();
+    if (m_app->watchModeController->isScanning())
+        m_app->watchModeController->endWatchMode();
     if (m_watcher)
         m_watcher->stopAll([this] { m_app->stopAndEmptyQueue(); });
 }
@@ -473,4 +479,36 @@ int MCCliSession::finish()
     if (m_queued == 0)
         m_status = 1;
     return m_status;
+}
+
+// ---------------------------------------------------------------- watch
+
+int MCCliSession::watch()
+{
+    const QString folder = QFileInfo(m_options.files.first()).absoluteFilePath();
+    MCWatchModeController *watchMode = m_app->watchModeController;
+    // For this run only, like --save-dir: the preference is not saved.
+    m_app->appPreferences->watchFolderURL = QUrl::fromLocalFile(folder);
+    watchMode->startWatchMode(true);
+    if (!watchMode->isScanning()) {
+        printError(QStringLiteral("%1: %2: %3").arg(kProgram, m_options.files.first(), MCWatchModeController::invalidFolderMessage));
+        return 1;
+    }
+    connect(watchMode, &MCWatchModeController::moviesTakenUp, this, [this](const QList<QUrl> &files) {
+        for (const QUrl &file : files)
+            m_printer->note(QStringLiteral("New movie: %1").arg(file.toLocalFile()));
+    });
+    m_printer->note(QStringLiteral("Watching %1 (Ctrl-C to stop)").arg(folder));
+
+    QEventLoop loop;
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, &loop, [&] {
+        if (m_signal != 0 && m_watcher->queueIsIdle())
+            loop.quit();
+    });
+    poll.start(kPollMs);
+    loop.exec();
+    if (m_jobCutShort)
+        return 128 + m_signal;
+    return m_watcher->failedCount() > 0 ? 1 : 0;
 }

@@ -41,6 +41,8 @@ private:
     int extract();
     int addAudio();
     int remux();
+    // Runs until a signal; answers the exit status.
+    int watch();
 
     // The tabs' common start: checks the files, selects the tab and takes
     // the files in as the Open command would.
@@ -66,4 +68,5 @@ private:
     int m_signal = 0;
     int m_queued = 0;
     bool m_waiting = false;
+    bool m_jobCutShort = false;
 };

@@ -102,11 +102,13 @@ QString MCCommandLine::helpText()
         "  extract FILE              extract tracks of an AVI file into files of their own\n"
         "  add-audio FILE AUDIO...   add audio files as tracks of an AVI file\n"
         "  remux FILE                copy an MKV file without header-removal compression\n"
+        "  watch DIR                 convert every new movie put into DIR (or below it)\n"
+        "                            with the presets, until interrupted\n"
         "\n"
         "Options of inspect:\n"
         "      --json                one JSON object per file, with one per track\n"
         "\n"
-        "Options of convert (and --tracks, --selection-preset for extract):\n"
+        "Options of convert (--tracks, --selection-preset for extract; both presets for watch):\n"
         "      --selection-preset NAME   track-selection preset (default \"First Track\")\n"
         "      --settings-preset NAME    settings preset (default \"Manual\")\n"
         "      --tracks LIST         tracks to use, by position: 1,2,4\n"
@@ -136,5 +138,6 @@ QString MCCommandLine::helpText()
         "      --version             show the version and exit\n"
         "\n"
         "Exit status: 0 when every job completed and wrote its output, 1 when a file\n"
-        "or a job failed, 2 for bad usage, 128+N when stopped by signal N.\n");
+        "or a job failed, 2 for bad usage, 128+N when stopped by signal N. watch ends\n"
+        "with 0 when interrupted between jobs and every job completed.\n");
 }

@@ -86,6 +86,14 @@ void MCProgressPrinter::jobStarted(const QString &name, const QString &jobType, 
     print(QStringLiteral("Job %1/%2: %3 (%4)\n").arg(number).arg(total).arg(name, jobType));
 }
 
+void MCProgressPrinter::note(const QString &text)
+{
+    if (m_mode == Mode::Quiet)
+        return;
+    eraseLiveLines();
+    print(text + QLatin1Char('\n'));
+}
+
 void MCProgressPrinter::progress(const QVariantList &rows)
 {
     if (m_mode == Mode::Quiet)

@@ -24,6 +24,8 @@ public:
     // The running job's progress rows ("Step", "Progress").
     void progress(const QVariantList &rows);
     void jobFinished(const QString &name, bool succeeded, const QString &detail);
+    // A line of its own between jobs (not in quiet mode).
+    void note(const QString &text);
 
     // The percentage in a status text ("37%", "Pass #2: 37.5%"), if any.
     static std::optional<double> percentIn(const QString &status);

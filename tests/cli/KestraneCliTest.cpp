@@ -105,6 +105,8 @@ TEST(KestraneCli, UsageMistakesAnswerTwoWithOneLine)
         {QStringLiteral("split"), QStringLiteral("a.avi")},
         {QStringLiteral("inspect"), QStringLiteral("--time"), QStringLiteral("00:00:01-00:00:02"), QStringLiteral("a.avi")},
         {QStringLiteral("convert")},
+        {QStringLiteral("watch"), QStringLiteral("a"), QStringLiteral("b")},
+        {QStringLiteral("watch"), QStringLiteral("--dry-run"), QStringLiteral("a")},
     };
     for (const QStringList &arguments : mistakes) {
         const CliResult result = runCli(arguments);
@@ -306,4 +308,29 @@ TEST_F(CliJobs, InterruptStopsTheConversionAndLeavesOnlyTheSource)
     QString processes;
     testsupport::run(QStringLiteral("pgrep -af mencoder | grep -F '%1' | grep -v grep").arg(source), &processes);
     EXPECT_TRUE(processes.trimmed().isEmpty()) << processes.toStdString();
+}
+
+TEST_F(CliJobs, WatchConvertsWhatIsDroppedInUntilInterrupted)
+{
+    QTemporaryDir folder;
+    const CliResult missing = runCli(common() + QStringList{QStringLiteral("watch"), folder.path() + QStringLiteral("/gone")});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_TRUE(missing.err.contains(QStringLiteral("must select a valid directory to start watch mode")));
+
+    const QString avi = xvidAvi(QStringLiteral("watched.avi"));
+    ASSERT_TRUE(QFile::copy(avi, folder.path() + QStringLiteral("/already.avi")));
+    QProcess cli;
+    cli.start(cliPath(), {QStringLiteral("--settings"), settings, QStringLiteral("watch"), QStringLiteral("--selection-preset"),
+                          QStringLiteral("First Track"), folder.path()});
+    ASSERT_TRUE(cli.waitForStarted());
+    ASSERT_TRUE(testsupport::waitUntil([&] { return cli.canReadLine(); }, 20000));
+    ASSERT_TRUE(QFile::copy(avi, folder.path() + QStringLiteral("/dropped.avi")));
+    const QString result = folder.path() + QStringLiteral("/dropped.avi.avi");
+    QByteArray out;
+    ASSERT_TRUE(testsupport::waitUntil([&] { return (out += cli.readAllStandardOutput()).contains("Completed: dropped.avi"); }, 90000));
+    ::kill(static_cast<pid_t>(cli.processId()), SIGINT);
+    ASSERT_TRUE(cli.waitForFinished(30000));
+    EXPECT_EQ(cli.exitCode(), 0) << QString::fromUtf8(cli.readAllStandardError()).toStdString();
+    EXPECT_EQ(testsupport::mediaInfo(result, QStringLiteral("Video"), QStringLiteral("Format")), QStringLiteral("MPEG-4 Visual"));
+    EXPECT_FALSE(QFile::exists(folder.path() + QStringLiteral("/already.avi.avi")));
 }
