@@ -19,6 +19,8 @@
 
 #if KESTRANE_HAVE_APP
 #include "MCAppDelegate.h"
+#include "MCWatchModeController.h"
+#include "MCWatchWindow.h"
 #include "MCWindowBinding.h"
 #endif
 
@@ -124,6 +126,10 @@ void MCGuiApplication::wireWindow()
     };
     connect(w->saveFileInfoAction, &QAction::triggered, m_delegate,
             [this] { m_delegate->helpMenuItemSelected(QStringLiteral("Save File Info")); });
+    MCWatchModeController *watchMode = m_delegate->watchModeController;
+    m_watchWindow = std::make_unique<MCWatchWindow>(watchMode, w);
+    w->watchButton->setEnabled(true);
+    connect(w->watchButton, &QPushButton::clicked, watchMode, [watchMode] { watchMode->startWatchMode(true); });
 #else
     auto drop = [this](const QList<QUrl> &urls) { openFiles(urls, QStringLiteral("drag")); };
     connect(w->trackTable, &MCDropTableView::filesDropped, this, drop);

@@ -13,6 +13,7 @@ class MCGuiAlertPresenter;
 class MCMainWindow;
 class MCPreferences;
 class MCQueueController;
+class MCWatchWindow;
 class MCWindowBinding;
 
 // Builds the window over the application's controllers, installs the
@@ -28,6 +29,7 @@ public:
     void start(const QStringList &files);
 
     MCMainWindow *window() const { return m_window.get(); }
+    MCWatchWindow *watchWindow() const { return m_watchWindow.get(); }
     MCQueueController *queue() const { return m_queue; }
     // The application controller behind the window (null in a build
     // without it, where the window keeps its own simple intake).
@@ -59,5 +61,7 @@ private:
     MCPreferences *m_preferences = nullptr;
     MCQueueController *m_queue = nullptr;
     std::unique_ptr<MCMainWindow> m_window;
+    // Before the window in teardown: it switches to and from that window.
+    std::unique_ptr<MCWatchWindow> m_watchWindow;
     std::shared_ptr<MCGuiAlertPresenter> m_presenter;
 };

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+class MCWatchModeController;
+class QLineEdit;
+class QPushButton;
+
+// The small window shown instead of the main window while a folder is
+// watched: the folder (or why there is none), a chooser and the way back.
+// It also does the switching between the two windows, with fades.
+class MCWatchWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    MCWatchWindow(MCWatchModeController *controller, QWidget *mainWindow);
+
+    QLineEdit *pathField = nullptr;
+    QPushButton *chooseButton = nullptr;
+    QPushButton *endButton = nullptr;
+
+    static constexpr int animationDurationMs = 250;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void toggleWindows(bool towardsWatchWindow);
+    void openFolderChooser();
+    // Fades from out to in, placing in level with out's top and centred.
+    static void switchWindows(QWidget *out, QWidget *in);
+
+    MCWatchModeController *m_controller;
+    QPointer<QWidget> m_mainWindow;
+};
