@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QFormLayout>
+#include <QLabel>
 #include <QVBoxLayout>
 
 #include <functional>
@@ -40,6 +41,11 @@ MCFilterPanel::MCFilterPanel(MCPresetsController *presets, bool audio, QWidget *
     m_form = new QFormLayout;
     m_form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     outer->addLayout(m_form);
+    m_explanation = new QLabel(audio ? QStringLiteral("Picks the first audio track that has all of these properties.")
+                                     : QStringLiteral("Picks the first subtitle track that has all of these properties."),
+                               this);
+    m_explanation->setWordWrap(true);
+    outer->addWidget(m_explanation);
     outer->addStretch();
 
     m_choice = addPopUp(QStringLiteral("Tracks:"));
@@ -119,6 +125,7 @@ void MCFilterPanel::refresh()
     m_form->setRowVisible(m_codec, byProperties);
     if (m_channels)
         m_form->setRowVisible(m_channels, byProperties);
+    m_explanation->setVisible(byProperties);
     for (QComboBox *popUp : findChildren<QComboBox *>())
         popUp->setEnabled(editing);
     setFixedSize(kPanelWidth, panelHeight());

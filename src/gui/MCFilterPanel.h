@@ -5,6 +5,7 @@
 class MCPresetsController;
 class QComboBox;
 class QFormLayout;
+class QLabel;
 
 // The small floating editor of one audio or subtitle filter: which tracks
 // it picks (none, a track number, or tracks with a language, codec and,
@@ -42,4 +43,5 @@ private:
     QComboBox *m_language;
     QComboBox *m_codec;
     QComboBox *m_channels = nullptr;
+    QLabel *m_explanation;
 };

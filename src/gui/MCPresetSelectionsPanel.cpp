@@ -94,6 +94,7 @@ MCPresetSelectionsPanel::MCPresetSelectionsPanel(MCPresetsController *presets, Q
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(columns, 1);
     layout->addLayout(bottom);
+    setMinimumSize(700, 420);
 
     connect(selectionsTableController->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex &current) {

@@ -8,7 +8,6 @@
 #include <QComboBox>
 #include <QDoubleValidator>
 #include <QFormLayout>
-#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -191,13 +190,18 @@ QWidget *MCPresetSettingsPanel::buildDetails()
     auto *subtitleForm = new QFormLayout(subtitles);
     subtitleForm->addRow(QStringLiteral("Action:"), subActionPopUp);
 
-    auto *grid = new QGridLayout(m_details);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->addWidget(general, 0, 0);
-    grid->addWidget(video, 1, 0);
-    grid->addWidget(audio, 0, 1);
-    grid->addWidget(subtitles, 1, 1, Qt::AlignTop);
-    grid->setRowStretch(2, 1);
+    auto *left = new QVBoxLayout;
+    left->addWidget(general);
+    left->addWidget(video);
+    left->addStretch();
+    auto *right = new QVBoxLayout;
+    right->addWidget(audio);
+    right->addWidget(subtitles);
+    right->addStretch();
+    auto *columns = new QHBoxLayout(m_details);
+    columns->setContentsMargins(0, 0, 0, 0);
+    columns->addLayout(left, 1);
+    columns->addLayout(right, 1);
     return m_details;
 }
 
