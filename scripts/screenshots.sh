@@ -11,8 +11,9 @@ trap 'kill ${app_pid:-} ${xvfb_pid:-} 2>/dev/null || true; rm -rf "$work"' EXIT
 [ -f "$build/CMakeCache.txt" ] || cmake -S "$root" -B "$build" -G Ninja >/dev/null
 cmake --build "$build" --target kestrane -j2
 
-ffmpeg -v error -f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=frequency=440 \
-    -t 20 -c:v mpeg4 -q:v 5 -c:a libmp3lame -b:a 128k "$work/sample.avi"
+# Long enough that the tour's two-pass encode is photographed under way.
+ffmpeg -v error -f lavfi -i testsrc=size=640x360:rate=25 -f lavfi -i sine=frequency=440 \
+    -t 120 -c:v mpeg4 -q:v 5 -c:a libmp3lame -b:a 128k "$work/sample.avi"
 ffmpeg -v error -f lavfi -i testsrc2=size=320x240:rate=25 -f lavfi -i sine=frequency=660 \
     -t 8 -c:v mpeg4 -q:v 5 -c:a libmp3lame -b:a 128k "$work/second.avi"
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -9,6 +10,10 @@
 // Walks the window through its views for scripts/screenshots.sh: shows a
 // view, names it on stdout, and goes on once the script has written
 // "ready NAME" into the file named by KESTRANE_SCREENSHOT_SCRIPT.
+//
+// Where the application controller is there, the tour also opens both
+// preset editors and photographs the queue while a conversion runs; the
+// conversion is stopped when the tour ends.
 class MCScreenshotTour : public QObject
 {
     Q_OBJECT
@@ -23,10 +28,15 @@ public:
     void start();
 
 private:
+    void addApplicationStops();
     void next();
+    void settle(int waited);
     void poll();
 
     QList<Stop> m_stops;
+    // A view that needs time (a running job) is named once this answers true.
+    QHash<QString, std::function<bool()>> m_readyWhen;
+    std::function<void()> m_finish;
     int m_index = -1;
     QString m_stepsFile;
 };
