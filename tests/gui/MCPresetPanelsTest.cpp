@@ -3,6 +3,8 @@
 #if KESTRANE_HAVE_APP
 
 #include "MCFilterButton.h"
+#include "MCGuiApplication.h"
+#include "MCMainWindow.h"
 #include "MCPreferences.h"
 #include "MCPresetSelectionsPanel.h"
 #include "MCPresetSettingsPanel.h"
@@ -132,6 +134,24 @@ TEST_F(PresetPanelsTest, SettingsEditorWritesTheChosenRowsIntoThePreset)
     panel.okButton->click();
     EXPECT_TRUE(stored(false).isEmpty());
     EXPECT_EQ(presets->settingMethodIndex(), 1);
+}
+
+TEST(PresetEditorButtons, OpenTheEditorsAsSheetsOverTheWindow)
+{
+    MCGuiApplication app;
+    app.start({});
+    MCMainWindow *w = app.window();
+    auto *selections = w->findChild<MCPresetSelectionsPanel *>();
+    auto *settings = w->findChild<MCPresetSettingsPanel *>();
+    ASSERT_TRUE(selections && settings);
+    ASSERT_TRUE(w->editSelectionsButton->isEnabled() && w->editSettingsButton->isEnabled());
+    w->editSelectionsButton->click();
+    EXPECT_TRUE(selections->isVisible());
+    selections->okButton->click();
+    w->editSettingsButton->click();
+    EXPECT_TRUE(settings->isVisible());
+    settings->okButton->click();
+    EXPECT_FALSE(settings->isVisible());
 }
 
 } // namespace
