@@ -1,5 +1,7 @@
 #include "MCAppDelegate.h"
 
+#include "AppTestSettings.h"
+
 #include "MCJob.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
@@ -58,16 +60,7 @@ protected:
     void SetUp() override
     {
         alerts = testsupport::recordAlerts();
-        const QString settings = settingsDir.path() + QStringLiteral("/kestrane.ini");
-        {
-            // One user settings preset, after the built-in "Manual" and "Extract Tracks".
-            MCPreferences preferences(settings);
-            preferences.saveUserPresetSettingsListFor({QVariantMap{
-                {QStringLiteral("pName"), QStringLiteral("Copy")}, {QStringLiteral("pDevice"), QStringLiteral("General")},
-                {QStringLiteral("pTypeOfProcessIndex"), 0}, {QStringLiteral("pVideoActionIndex"), 0},
-                {QStringLiteral("pStereoActionIndex"), 0}, {QStringLiteral("pSurroundActionIndex"), 0},
-                {QStringLiteral("pSubAction"), QStringLiteral("Extract")}, {QStringLiteral("isEditable"), true}}});
-        }
+        const QString settings = settingsWithCopyPreset(settingsDir.path());
         app = std::make_unique<MCAppDelegate>(settings);
         app->applicationDidFinishLaunching();
         app->queueSelection = [this](const MCSelectionPtr &selection) { queued << selection->copy(); };

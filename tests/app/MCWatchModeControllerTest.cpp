@@ -1,5 +1,7 @@
 #include "MCWatchModeController.h"
 
+#include "AppTestSettings.h"
+
 #include "MCAppDelegate.h"
 #include "MCJob.h"
 #include "MCPreferences.h"
@@ -172,15 +174,7 @@ TEST(WatchModeEndToEnd, ADroppedFileIsConvertedWithThePresetsAndItsResultIgnored
     auto alerts = testsupport::recordAlerts();
     QTemporaryDir settingsDir;
     WatchFolder folder;
-    const QString settings = settingsDir.path() + QStringLiteral("/kestrane.ini");
-    {
-        MCPreferences preferences(settings);
-        preferences.saveUserPresetSettingsListFor({QVariantMap{
-            {QStringLiteral("pName"), QStringLiteral("Copy")}, {QStringLiteral("pDevice"), QStringLiteral("General")},
-            {QStringLiteral("pTypeOfProcessIndex"), 0}, {QStringLiteral("pVideoActionIndex"), 0},
-            {QStringLiteral("pStereoActionIndex"), 0}, {QStringLiteral("pSurroundActionIndex"), 0},
-            {QStringLiteral("pSubAction"), QStringLiteral("Extract")}, {QStringLiteral("isEditable"), true}}});
-    }
+    const QString settings = settingsWithCopyPreset(settingsDir.path());
     MCAppDelegate app(settings);
     app.applicationDidFinishLaunching();
     MCPresetsController *presets = app.presetsController;
