@@ -6,6 +6,7 @@
 #include "MCJob.h"
 #include "MCQueueController.h"
 
+#include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -73,7 +74,7 @@ void MCWatchModeController::startWatchMode(bool bySender)
     if (appPreferences)
         watchFolderURL = appPreferences->watchFolderURL;
     m_watchTimer.stop();
-    const QString path = watchFolderURL.toLocalFile();
+    const QString path = watchFolderURL.isEmpty() ? QString() : QDir::cleanPath(watchFolderURL.toLocalFile());
     if (!path.isEmpty() && QFileInfo(path).isDir()) {
         setWatchFolderPath(path);
         baseWatchFolderMovieList = makeMovieListForWatchFolderURL(watchFolderURL);

@@ -293,6 +293,15 @@ void MCGuiApplication::startScreenshotTour()
         {QStringLiteral("queue-panel"), [w] { w->tabs->setCurrentIndex(0); w->queuePanel->show(); }},
         {QStringLiteral("preferences"), [w] { w->preferencesPanel->openPreferences(); }},
     };
+#if KESTRANE_HAVE_APP
+    // Watching the samples' folder, for this run only.
+    stops << MCScreenshotTour::Stop{QStringLiteral("watch-window"), [this, w] {
+                                        w->preferencesPanel->reject();
+                                        if (!m_tourFiles.isEmpty())
+                                            m_preferences->watchFolderURL = m_tourFiles.first().adjusted(QUrl::RemoveFilename);
+                                        w->watchButton->click();
+                                    }};
+#endif
     auto *tour = new MCScreenshotTour(stops, this);
     tour->start();
 }

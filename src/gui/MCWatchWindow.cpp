@@ -35,7 +35,8 @@ MCWatchWindow::MCWatchWindow(MCWatchModeController *controller, QWidget *mainWin
     layout->addLayout(row);
 
     auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
+    lastTakenUpLabel = new QLabel(QStringLiteral("Waiting for new videos."), this);
+    buttons->addWidget(lastTakenUpLabel, 1);
     endButton = new QPushButton(QStringLiteral("End Watch Mode"), this);
     buttons->addWidget(endButton);
     layout->addLayout(buttons);
@@ -43,6 +44,9 @@ MCWatchWindow::MCWatchWindow(MCWatchModeController *controller, QWidget *mainWin
     pathField->setText(controller->watchFolderPath());
     connect(controller, &MCWatchModeController::watchFolderPathChanged, this,
             [this] { pathField->setText(m_controller->watchFolderPath()); });
+    connect(controller, &MCWatchModeController::moviesTakenUp, this, [this](const QList<QUrl> &files) {
+        lastTakenUpLabel->setText(QStringLiteral("Last taken up: %1").arg(files.last().fileName()));
+    });
     connect(controller, &MCWatchModeController::toggleWindowsRequested, this, &MCWatchWindow::toggleWindows);
     connect(controller, &MCWatchModeController::folderChooserRequested, this, &MCWatchWindow::openFolderChooser);
     connect(chooseButton, &QPushButton::clicked, controller, &MCWatchModeController::chooseWatchFolderURL);

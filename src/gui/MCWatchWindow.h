@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class MCWatchModeController;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 
@@ -19,6 +20,7 @@ public:
     QLineEdit *pathField = nullptr;
     QPushButton *chooseButton = nullptr;
     QPushButton *endButton = nullptr;
+    QLabel *lastTakenUpLabel = nullptr;
 
     static constexpr int animationDurationMs = 250;
 
