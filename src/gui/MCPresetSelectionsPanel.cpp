@@ -2,6 +2,7 @@
 
 #include "MCFilterButton.h"
 #include "MCFilterPanel.h"
+#include "MCPresetListColumn.h"
 #include "MCPresetsController.h"
 
 #include <QCheckBox>
@@ -20,15 +21,6 @@ namespace {
 
 const QString kFirstTrack = QStringLiteral("First Track");
 
-QPushButton *smallButton(const QString &title, QWidget *parent)
-{
-    auto *button = new QPushButton(title, parent);
-    button->setAutoDefault(false);
-    const int side = button->sizeHint().height();
-    button->setFixedSize(side + 4, side);
-    return button;
-}
-
 } // namespace
 
 MCPresetSelectionsPanel::MCPresetSelectionsPanel(MCPresetsController *presets, QWidget *window)
@@ -40,23 +32,11 @@ MCPresetSelectionsPanel::MCPresetSelectionsPanel(MCPresetsController *presets, Q
     setWindowModality(Qt::WindowModal);
 
     // The presets, with add and remove below.
-    selectionsTableController = new QListView(this);
-    namesModel = new QStringListModel(selectionsTableController);
-    selectionsTableController->setModel(namesModel);
-    selectionsTableController->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    selectionsTableController->setSelectionMode(QAbstractItemView::SingleSelection);
-    selectionsTableController->setMinimumWidth(180);
-    addPresetButton = smallButton(QStringLiteral("+"), this);
-    removePresetButton = smallButton(QStringLiteral("-"), this);
-    auto *listButtons = new QHBoxLayout;
-    listButtons->setSpacing(2);
-    listButtons->addWidget(addPresetButton);
-    listButtons->addWidget(removePresetButton);
-    listButtons->addStretch();
-    auto *listColumn = new QVBoxLayout;
-    listColumn->addWidget(new QLabel(QStringLiteral("Presets"), this));
-    listColumn->addWidget(selectionsTableController, 1);
-    listColumn->addLayout(listButtons);
+    auto *listColumn = new MCPresetListColumn(this);
+    selectionsTableController = listColumn->list;
+    namesModel = listColumn->names;
+    addPresetButton = listColumn->addButton;
+    removePresetButton = listColumn->removeButton;
 
     // The selected preset.
     nameField = new QLineEdit(this);
@@ -82,7 +62,7 @@ MCPresetSelectionsPanel::MCPresetSelectionsPanel(MCPresetsController *presets, Q
     detailColumn->addStretch();
 
     auto *columns = new QHBoxLayout;
-    columns->addLayout(listColumn);
+    columns->addWidget(listColumn);
     columns->addSpacing(8);
     columns->addLayout(detailColumn, 1);
 
@@ -136,8 +116,8 @@ QGroupBox *MCPresetSelectionsPanel::buildFilterRows(bool audio)
         edit[row - 1]->setMinimumWidth(edit[row - 1]->fontMetrics().horizontalAdvance(QStringLiteral("Filter #0")) + 32);
         grid->addWidget(edit[row - 1], row - 1, 1);
     }
-    QPushButton *add2 = smallButton(QStringLiteral("+"), box);
-    QPushButton *add3 = smallButton(QStringLiteral("+"), box);
+    QPushButton *add2 = MCPresetListColumn::smallButton(QStringLiteral("+"), box);
+    QPushButton *add3 = MCPresetListColumn::smallButton(QStringLiteral("+"), box);
     // Row 1 has no add button; keep its column as wide as the others'.
     grid->setColumnMinimumWidth(0, add2->width());
     grid->addWidget(add2, 1, 0);

@@ -1,6 +1,7 @@
 #include "MCPresetSettingsPanel.h"
 
 #include "MCIntegerField.h"
+#include "MCPresetListColumn.h"
 #include "MCPresetsController.h"
 #include "MCSelectionController.h"
 
@@ -18,15 +19,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-QPushButton *smallButton(const QString &title, QWidget *parent)
-{
-    auto *button = new QPushButton(title, parent);
-    button->setAutoDefault(false);
-    const int side = button->sizeHint().height();
-    button->setFixedSize(side + 4, side);
-    return button;
-}
 
 // A value missing from the list (an older or hand-made preset) is still
 // shown, at the end.
@@ -88,26 +80,14 @@ MCPresetSettingsPanel::MCPresetSettingsPanel(MCPresetsController *presets, QWidg
     setWindowTitle(QStringLiteral("Settings Presets"));
     setWindowModality(Qt::WindowModal);
 
-    settingsTableController = new QListView(this);
-    namesModel = new QStringListModel(settingsTableController);
-    settingsTableController->setModel(namesModel);
-    settingsTableController->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    settingsTableController->setSelectionMode(QAbstractItemView::SingleSelection);
-    settingsTableController->setMinimumWidth(180);
-    addPresetButton = smallButton(QStringLiteral("+"), this);
-    removePresetButton = smallButton(QStringLiteral("-"), this);
-    auto *listButtons = new QHBoxLayout;
-    listButtons->setSpacing(2);
-    listButtons->addWidget(addPresetButton);
-    listButtons->addWidget(removePresetButton);
-    listButtons->addStretch();
-    auto *listColumn = new QVBoxLayout;
-    listColumn->addWidget(new QLabel(QStringLiteral("Presets"), this));
-    listColumn->addWidget(settingsTableController, 1);
-    listColumn->addLayout(listButtons);
+    auto *listColumn = new MCPresetListColumn(this);
+    settingsTableController = listColumn->list;
+    namesModel = listColumn->names;
+    addPresetButton = listColumn->addButton;
+    removePresetButton = listColumn->removeButton;
 
     auto *columns = new QHBoxLayout;
-    columns->addLayout(listColumn);
+    columns->addWidget(listColumn);
     columns->addSpacing(8);
     columns->addWidget(buildDetails(), 1);
 
