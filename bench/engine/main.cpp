@@ -116,15 +116,15 @@ int main(int argc, char **argv)
     QObject::connect(job, &MCJob::jobStatusChanged, job, [&] {
         if (job->jobStatus() == QStringLiteral("Running"))
             startedAt = clock.elapsed();
-        else if (job->jobStatus() == QStringLiteral("Completed"))
+        else if (job->jobStatus() == QStringLiteral("Completed") || job->jobStatus() == QStringLiteral("Failed"))
             loop.quit();
     });
     // Watches the encoder itself, to tell the tool's time from the job's.
     qint64 encoderEndedAt = 0;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
-        const QString pid = job->stepPIDList().value(0);
-        if (!pid.isEmpty() && encoderEndedAt == 0 && !MCConverter::processIsRunning(pid))
+        const MCConverterPtr encoder = job->stepConverterList().value(0);
+        if (encoder && encoder->toolWasStarted() && encoderEndedAt == 0 && !encoder->toolIsRunning())
             encoderEndedAt = clock.elapsed();
     });
     watch.start(100);
@@ -135,7 +135,7 @@ int main(int argc, char **argv)
 
     std::printf("mencoder by hand:               %.2f s\n", byHand);
     std::printf("through the queue, job running:  %.2f s (%.3fx)\n", fromStart, fromStart / byHand);
-    std::printf("through the queue, from adding:  %.2f s (%.3fx; includes the first 1-second queue tick)\n", total,
+    std::printf("through the queue, from adding:  %.2f s (%.3fx)\n", total,
                 total / byHand);
     std::printf("encoder in the queue:            %.2f s; job ended %.2f s after the encoder\n",
                 (encoderEndedAt - startedAt) / 1000.0, total - encoderEndedAt / 1000.0);

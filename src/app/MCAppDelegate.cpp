@@ -469,7 +469,7 @@ void MCAppDelegate::applicationShouldTerminate(const std::function<void(bool)> &
         reply(true);
         return;
     }
-    queueController->currentJob()->pauseJob();
+    queueController->pauseCurrentJob();
     MCAlert alert;
     alert.message = QStringLiteral("Videos are still being processed.  Quit anyways?");
     alert.buttons = {QStringLiteral("OK"), QStringLiteral("Cancel")};

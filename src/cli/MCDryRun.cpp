@@ -2,6 +2,7 @@
 
 #include "MCConverter.h"
 #include "MCJob.h"
+#include "MCJobWatcher.h"
 #include "MCQueueController.h"
 #include "MCVideoFile.h"
 
@@ -135,7 +136,7 @@ QStringList MCDryRun::composeCommands(const MCSelectionPtr &selection)
     connect(&poll, &QTimer::timeout, &loop, [&] {
         bool finished = true;
         for (const MCJob *job : m_queue->qJobList())
-            finished = finished && job->jobStatus() == QStringLiteral("Completed");
+            finished = finished && MCJobWatcher::hasEnded(*job);
         if (finished || deadline.hasExpired())
             loop.quit();
     });

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QDateTime>
-#include <QHash>
+#include <QSet>
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
@@ -11,8 +10,8 @@ class MCProgressPrinter;
 class MCQueueController;
 
 // Follows the queue for the command line: announces each job as it starts,
-// hands the running job's progress rows to the printer, and judges each
-// finished job by its output files.
+// hands the running job's progress rows to the printer, and reports each
+// job's end with its results or the reason it failed.
 class MCJobWatcher : public QObject
 {
     Q_OBJECT
@@ -24,13 +23,12 @@ public:
     int succeededCount() const { return m_succeeded; }
     int failedCount() const { return m_failed; }
 
-    // Stops the running job as the queue's stop does, empties the queue and
-    // removes what the stopped job had written so far.
+    // Stops the running job as the queue's stop does (which removes all it
+    // had written) and empties the queue.
     void stopAll(const std::function<void()> &stopAndEmptyQueue);
 
-    // The files a job wrote: each final step's output, or for a step that
-    // writes numbered pieces, the files named after it written since start.
-    static QStringList outputsOf(const MCJob &job, const QDateTime &startedAt, bool *complete = nullptr);
+    // "Completed" or "Failed".
+    static bool hasEnded(const MCJob &job);
 
     static QString displayName(const MCJob &job);
 
@@ -40,7 +38,7 @@ private:
 
     MCQueueController *m_queue;
     MCProgressPrinter *m_printer;
-    QHash<MCJob *, QDateTime> m_startTimes;
+    QSet<const MCJob *> m_announced;
     int m_started = 0;
     int m_succeeded = 0;
     int m_failed = 0;

@@ -125,9 +125,16 @@ void MCProgressPrinter::progress(const QVariantList &rows)
     }
 }
 
-void MCProgressPrinter::jobFinished(const QString &name, bool succeeded, const QString &detail)
+void MCProgressPrinter::jobCompleted(const QString &name, const QString &results)
 {
     eraseLiveLines();
-    const QString word = succeeded ? QStringLiteral("Completed") : QStringLiteral("Failed");
-    print(detail.isEmpty() ? QStringLiteral("%1: %2\n").arg(word, name) : QStringLiteral("%1: %2 (%3)\n").arg(word, name, detail));
+    print(results.isEmpty() ? QStringLiteral("Completed: %1\n").arg(name)
+                            : QStringLiteral("Completed: %1 (%2)\n").arg(name, results));
+}
+
+void MCProgressPrinter::jobFailed(const QString &name, const QString &reason, const QString &logPath)
+{
+    eraseLiveLines();
+    print(logPath.isEmpty() ? QStringLiteral("Failed: %1: %2\n").arg(name, reason)
+                            : QStringLiteral("Failed: %1: %2 (log: %3)\n").arg(name, reason, logPath));
 }

@@ -23,7 +23,9 @@ public:
     void jobStarted(const QString &name, const QString &jobType, int number, int total);
     // The running job's progress rows ("Step", "Progress").
     void progress(const QVariantList &rows);
-    void jobFinished(const QString &name, bool succeeded, const QString &detail);
+    // "Completed: NAME (results)" and "Failed: NAME: REASON (log: PATH)".
+    void jobCompleted(const QString &name, const QString &results);
+    void jobFailed(const QString &name, const QString &reason, const QString &logPath);
     // A line of its own between jobs (not in quiet mode).
     void note(const QString &text);
 

@@ -1,6 +1,11 @@
 #include "MCConverter.h"
 
 #include "MCPreferences.h"
+#include "MCToolLog.h"
+#include "MCToolProcess.h"
+
+#include <QCoreApplication>
+#include <QThread>
 
 #include <QDir>
 #include <QFile>
@@ -236,6 +241,18 @@ MCConverter::MCConverter()
         languageArrayMatrix.append({names.at(i), codes2.at(i), codes3.at(i)});
 }
 
+MCConverter::~MCConverter() = default;
+
+void MCConverter::ToolDeleter::operator()(MCToolProcess *tool) const
+{
+    // The process object belongs to the thread that started it; a step may
+    // be let go on the monitor thread.
+    if (tool->thread() == QThread::currentThread())
+        delete tool;
+    else
+        tool->deleteLater();
+}
+
 void MCConverter::initializeFor(const MCSelectionPtr &selection)
 {
     converterSelection = selection;
@@ -330,23 +347,6 @@ QString MCConverter::lastLineOfFile(const QString &path)
     return decodeToolOutput(text.mid(text.lastIndexOf('\n') + 1));
 }
 
-bool MCConverter::processIsRunning(const QString &pid)
-{
-    bool isNumber = false;
-    const qint64 number = pid.trimmed().toLongLong(&isNumber);
-    if (!isNumber || number <= 0)
-        return false;
-    if (!QFileInfo::exists(QStringLiteral("/proc/self/stat")))
-        return MCHelpers::processIsRunning(pid);
-    QFile stat(QStringLiteral("/proc/%1/stat").arg(number));
-    if (!stat.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray line = stat.readAll();
-    // "PID (name) S ...": the state follows the last parenthesis.
-    const qsizetype close = line.lastIndexOf(')');
-    return close >= 0 && close + 2 < line.size() && line.at(close + 2) != 'Z';
-}
-
 namespace {
 MCConverter::CommandRecorder &commandRecorder()
 {
@@ -360,23 +360,100 @@ void MCConverter::setCommandRecorder(CommandRecorder recorder)
     commandRecorder() = std::move(recorder);
 }
 
+bool MCConverter::isRecordingCommands()
+{
+    return static_cast<bool>(commandRecorder());
+}
+
 QString MCConverter::launchInBackground(const QUrl &tool, const MCOptionList &options)
 {
+    const QString command = commandFromOptions(headForTool(tool, options), options);
+    doShell_ID.clear();
     if (const CommandRecorder &recorder = commandRecorder()) {
-        recorder(commandFromOptions(headForTool(tool, options), options));
-        doShell_ID.clear();
+        recorder(command);
         return QStringLiteral("error");
     }
-    if (!fileExistsAtURL(tool)) {
-        doShell_ID.clear();
-        return QStringLiteral("error");
-    }
-    doShell_ID = doShellScriptFor(tool, options).trimmed();
+    m_toolName = QFileInfo(tool.toLocalFile()).fileName();
+    if (!fileExistsAtURL(tool))
+        return refuse(QStringLiteral("the tool \"%1\" is missing from Kestrane's resource folder").arg(m_toolName));
+    // Tools start in the folder that holds Kestrane's executable folder.
+    const QString workingDirectory = QCoreApplication::instance()
+                                         ? QDir(QCoreApplication::applicationDirPath() + QStringLiteral("/..")).absolutePath()
+                                         : QString();
+    m_tool.reset(new MCToolProcess);
+    if (onToolEnded)
+        QObject::connect(m_tool.get(), &MCToolProcess::ended, m_tool.get(), onToolEnded);
+    if (!m_tool->start(MCToolProcess::foregroundCommand(command, doubleQuotedFormOf(tool.toLocalFile())),
+                       workingDirectory))
+        return refuse(QStringLiteral("%1 could not be started: %2").arg(m_toolName, m_tool->errorText()));
+    doShell_ID = QString::number(m_tool->processId());
     return doShell_ID;
+}
+
+QString MCConverter::refuse(const QString &reason)
+{
+    m_refusal = reason;
+    doShell_ID.clear();
+    return QStringLiteral("error");
+}
+
+bool MCConverter::toolIsRunning() const
+{
+    return m_tool && m_tool->isRunning();
+}
+
+bool MCConverter::toolWasStarted() const
+{
+    return m_tool != nullptr;
+}
+
+QString MCConverter::failureReason() const
+{
+    if (!m_refusal.isEmpty())
+        return m_refusal;
+    if (!m_tool || !m_tool->hasEnded())
+        return {};
+    if (!m_tool->crashed() && exitCodeMeansSuccess(m_tool->exitCode()))
+        return {};
+    const QString how = m_tool->crashed() ? QStringLiteral("%1 was stopped by a signal").arg(m_toolName)
+                                          : QStringLiteral("%1 ended with exit status %2").arg(m_toolName).arg(m_tool->exitCode());
+    const QString said = MCToolLog::failureSummary(MCToolLog::tailLines(logFileURL.toLocalFile()));
+    return said.isEmpty() ? how : QStringLiteral("%1: %2").arg(how, said);
+}
+
+QStringList MCConverter::resultPaths() const
+{
+    if (isTemporaryOutput || outputFileURL.isEmpty() || !toolWasStarted())
+        return {};
+    const QFileInfo output(outputFileURL.toLocalFile());
+    if (output.exists() || stagingFolder.isEmpty() || output.absolutePath() != stagingFolder)
+        return {output.filePath()};
+    // Tools that cut a file into pieces number them after the output's name
+    // ("movie.avi.split-0000.avi", "movie.mkv.split-001.mkv"). Only this
+    // job writes into its private folder, so every such piece is ours.
+    QStringList pieces;
+    const QString pattern = output.completeBaseName() + QStringLiteral("-*.") + output.suffix();
+    for (const QFileInfo &piece : QDir(stagingFolder).entryInfoList({pattern}, QDir::Files, QDir::Name))
+        pieces << piece.absoluteFilePath();
+    return pieces.isEmpty() ? QStringList{output.filePath()} : pieces;
+}
+
+void MCConverter::signalTool(int signalNumber) const
+{
+    if (m_tool)
+        m_tool->signalGroup(signalNumber);
+}
+
+void MCConverter::stopTool(int graceMs)
+{
+    if (m_tool)
+        m_tool->terminate(graceMs);
 }
 
 QUrl MCConverter::preferredSaveDirectory(const QUrl &fallbackFolder) const
 {
+    if (!stagingFolder.isEmpty())
+        return QUrl::fromLocalFile(stagingFolder);
     if (appPreferences && !appPreferences->saveDirectoryURL.toLocalFile().isEmpty())
         return appPreferences->saveDirectoryURL;
     return fallbackFolder;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MCHelpers.h"
+#include "MCResultCheck.h"
 #include "MCSelection.h"
 
 #include <QList>
@@ -12,6 +13,7 @@
 #include <memory>
 
 class MCPreferences;
+class MCToolProcess;
 
 // One step of a job: one external tool run in the background with its log
 // file and process number. Subclasses compose the command and read the
@@ -20,12 +22,16 @@ class MCPreferences;
 // Threads: start operations run on the main thread; monitorConversion runs
 // on the job's monitor thread, one call at a time. A second start on the
 // main thread (the second encoding pass) happens only while the monitor
-// waits for it, so no field is touched by two threads at once.
+// waits for it, so no field is touched by two threads at once. The tool's
+// running state and exit status are safe to read from either thread.
+//
+// The step owns the tool it starts: a child process in its own process
+// group that cannot outlive Kestrane; doShell_ID is its process number.
 class MCConverter : public MCHelpers
 {
 public:
     MCConverter();
-    ~MCConverter() override = default;
+    ~MCConverter() override;
 
     MCConverter(const MCConverter &) = delete;
     MCConverter &operator=(const MCConverter &) = delete;
@@ -82,19 +88,44 @@ public:
     // cannot be built does. Set it before any job starts.
     using CommandRecorder = std::function<void(const QString &command)>;
     static void setCommandRecorder(CommandRecorder recorder);
+    static bool isRecordingCommands();
 
     // The track this step works on, or null when the index is out of range.
     MCVideoTrackPtr trackToProcess() const;
 
-    // The same answer as the shell test (a zombie counts as ended), read
-    // from /proc without starting a process: steps ask twice a second.
-    static bool processIsRunning(const QString &pid);
+    // The job's private folder in the save folder: when set, the step writes
+    // its output and log there instead of the save folder itself.
+    QString stagingFolder;
+    // Runs on the main thread whenever a tool of this step ends.
+    std::function<void()> onToolEnded;
+    // What the step's results must look like (set by the job).
+    MCResultExpectation expectedResult;
+
+    // Whether the step's tool has been started and not yet ended.
+    bool toolIsRunning() const;
+    bool toolWasStarted() const;
+    // Why the step failed ("" when it did not): it refused to start, its
+    // tool was missing, or the tool ended with an error; the tool's own last
+    // words from the log are part of the reason.
+    QString failureReason() const;
+    // The files this step leaves to the user: its output unless that is an
+    // intermediate of the job.
+    virtual QStringList resultPaths() const;
+    // Signals the running tool and whatever it started.
+    void signalTool(int signalNumber) const;
+    // Continue, terminate, and after graceMs kill the running tool; waits for it.
+    void stopTool(int graceMs);
+
     // What "tr '\r' '\n' < LOG | tail -1" prints, read directly.
     static QString lastLineOfFile(const QString &path);
 
 protected:
     // The log's last line, carriage-return updates counted as lines.
     QString lastLogLine() const;
+    // Records why the step cannot run and answers "error"; nothing starts.
+    QString refuse(const QString &reason);
+    // Exit codes the tool uses for a usable result (mkvmerge: 1 = warnings).
+    virtual bool exitCodeMeansSuccess(int exitCode) const { return exitCode == 0; }
     // Runs a tool in the background and keeps its process number; "error"
     // (nothing started) when the tool is missing.
     QString launchInBackground(const QUrl &tool, const MCOptionList &options);
@@ -102,6 +133,15 @@ protected:
     QUrl preferredSaveDirectory(const QUrl &fallbackFolder) const;
     // An URL in the save folder: save folder + "/" + name.
     QUrl urlInSaveDirectory(const QString &name) const;
+
+private:
+    struct ToolDeleter
+    {
+        void operator()(MCToolProcess *tool) const;
+    };
+    std::unique_ptr<MCToolProcess, ToolDeleter> m_tool;
+    QString m_toolName;
+    QString m_refusal;
 };
 
 using MCConverterPtr = std::shared_ptr<MCConverter>;

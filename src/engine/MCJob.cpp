@@ -6,11 +6,14 @@
 #include "MCNotificationCenter.h"
 #include "MCPreferences.h"
 
-#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QPointer>
 #include <QSemaphore>
 #include <QStorageInfo>
-#include <QThread>
+
+#include <csignal>
 
 namespace {
 
@@ -27,6 +30,12 @@ const QString kError = QStringLiteral("error");
 int leadingInteger(const QString &status)
 {
     return status.section(QLatin1Char('%'), 0, 0).trimmed().toInt();
+}
+
+QString folderOf(const QUrl &file)
+{
+    const QString path = file.toLocalFile();
+    return path.isEmpty() ? QString() : QFileInfo(path).absolutePath();
 }
 
 } // namespace
@@ -50,8 +59,11 @@ MCJob::~MCJob()
 void MCJob::stopMonitorThread()
 {
     monitorQueue.clear();
-    m_jobIsCancelled = true;
-    m_wake.wakeAll();
+    {
+        QMutexLocker lock(&m_sleepMutex);
+        m_jobIsCancelled = true;
+        m_wake.wakeAll();
+    }
     monitorQueue.waitForDone();
 }
 
@@ -118,6 +130,24 @@ QVariantList MCJob::oldProgressList() const
     return m_oldProgressList;
 }
 
+QString MCJob::failureReason() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_failureReason;
+}
+
+QString MCJob::failedLogPath() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_failedLogPath;
+}
+
+QStringList MCJob::resultPaths() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_resultPaths;
+}
+
 QVariantMap MCJob::progressRow(const QString &step, const QString &progress)
 {
     return {{QStringLiteral("Step"), step}, {QStringLiteral("Progress"), progress}};
@@ -127,16 +157,51 @@ void MCJob::startJob()
 {
 }
 
+QString MCJob::saveFolderPath() const
+{
+    if (appPreferences && !appPreferences->saveDirectoryURL.toLocalFile().isEmpty())
+        return appPreferences->saveDirectoryURL.toLocalFile();
+    if (!jobSelection)
+        return {};
+    const QString videoFolder = folderOf(jobSelection->videoTrackFileURL);
+    if (!videoFolder.isEmpty())
+        return videoFolder;
+    return jobSelection->editFilesURLsList.isEmpty() ? QString() : folderOf(jobSelection->editFilesURLsList.first());
+}
+
+bool MCJob::ensureStaging()
+{
+    if (m_staging.exists())
+        return true;
+    if (!m_failureReason.isEmpty())
+        return false;
+    const QString folder = saveFolderPath();
+    if (!m_staging.create(folder)) {
+        QMutexLocker lock(&m_mutex);
+        m_failureReason = QStringLiteral("Kestrane cannot write into the save folder %1 (%2)").arg(folder, m_staging.errorText());
+        return false;
+    }
+    return true;
+}
+
 void MCJob::startStep(const MCConverterPtr &step, bool addStartRow)
 {
+    // A dry run composes commands only and writes nothing, not even a folder.
+    if (!MCConverter::isRecordingCommands() && !ensureStaging()) {
+        appendStepPID(kError);
+        return;
+    }
+    step->stagingFolder = m_staging.path();
+    step->onToolEnded = [job = QPointer<MCJob>(this)] {
+        if (job)
+            job->wakeMonitor();
+    };
     const QString pid = step->startConversionFor(jobSelection);
     appendStepPID(pid);
     if (addStartRow) {
         QMutexLocker lock(&m_mutex);
         m_progressList.append(progressRow(step->stepName, QStringLiteral("0%")));
     }
-    // A step that could not be built wrote nothing; its provisional names
-    // may even be the input's, so they must never reach the deletion lists.
     if (pid == kError || pid.isEmpty())
         return;
     if (!step->tempFileToDeleteURL.isEmpty())
@@ -145,22 +210,58 @@ void MCJob::startStep(const MCConverterPtr &step, bool addStartRow)
         logFilesToDeleteList.append(step->logFileURL.toLocalFile());
 }
 
-void MCJob::addMonitorLoop(std::function<bool()> tick, std::function<void()> nextPhase)
+void MCJob::resetMonitorCounters()
+{
+    QMutexLocker lock(&m_mutex);
+    m_stepCounter = 1;
+    m_lastValue = 0;
+}
+
+int MCJob::monitorStepCounter() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_stepCounter;
+}
+
+int MCJob::monitorLastValue() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_lastValue;
+}
+
+void MCJob::addMonitorLoop(const MCMonitorPolicy &policy, std::function<void()> nextPhase)
 {
     if (jobIsCancelled())
         return;
-    monitorQueue.start([this, tick = std::move(tick), nextPhase = std::move(nextPhase)] {
+    monitorQueue.start([this, policy, nextPhase = std::move(nextPhase)] {
         bool finished = false;
         while (!finished && !jobIsCancelled()) {
-            finished = tick();
+            finished = monitorTick(policy);
             if (!jobIsCancelled())
                 postProgressUpdate(progressList());
             // No need to wait half a second before the next phase.
             if (!finished)
                 sleepOneTick();
         }
-        if (!jobIsCancelled() && nextPhase)
-            QMetaObject::invokeMethod(this, nextPhase, Qt::QueuedConnection);
+        if (jobIsCancelled())
+            return;
+        MCConverterPtr failedStep;
+        QString reason = firstStepFailure(&failedStep);
+        if (reason.isEmpty() && !nextPhase)
+            reason = checkResults();
+        QMetaObject::invokeMethod(
+            this,
+            [this, reason, failedStep, nextPhase] {
+                if (jobIsCancelled())
+                    return;
+                if (!reason.isEmpty())
+                    failJob(reason, failedStep);
+                else if (nextPhase)
+                    nextPhase();
+                else
+                    finishJob({}, nullptr);
+            },
+            Qt::QueuedConnection);
     });
 }
 
@@ -177,18 +278,7 @@ void MCJob::appendRow(const QVariantMap &row)
     m_progressList.append(row);
 }
 
-QVariantMap MCJob::errorRow(const QString &stepName, qsizetype position) const
-{
-    QMutexLocker lock(&m_mutex);
-    if (position < m_oldProgressList.size()) {
-        const QVariantMap previous = m_oldProgressList.at(position).toMap();
-        if (previous.value(QStringLiteral("Step")).toString() == stepName)
-            return previous;
-    }
-    return progressRow(stepName, QString());
-}
-
-bool MCJob::monitorTick(bool keepFinishedRows)
+bool MCJob::monitorTick(const MCMonitorPolicy &policy)
 {
     beginTick();
     const QList<MCConverterPtr> steps = stepConverterList();
@@ -199,57 +289,143 @@ bool MCJob::monitorTick(bool keepFinishedRows)
             continue;
         }
         const QString status = step->monitorConversion();
-        if (status == kComplete) {
-            ++finished;
-            if (keepFinishedRows)
-                appendRow(progressRow(step->stepName, status));
-        } else if (status == kPass1Complete) {
-            handOffAndWait([this, step] { startPass2SelectorFor(step); });
-            if (keepFinishedRows)
-                appendRow(progressRow(step->stepName, status));
-        } else if (status == kError) {
-            appendRow(errorRow(step->stepName, progressList().size()));
-        } else {
-            appendRow(progressRow(step->stepName, status));
-        }
-    }
-    return finished >= steps.size();
-}
-
-bool MCJob::standardMonitorTick()
-{
-    return monitorTick(false);
-}
-
-bool MCJob::startMonitorTick()
-{
-    return monitorTick(true);
-}
-
-bool MCJob::countedMonitorTick(int &counter, int &lastValue,
-                               const std::function<QString(const MCConverterPtr &, int)> &label)
-{
-    beginTick();
-    const QList<MCConverterPtr> steps = stepConverterList();
-    qsizetype finished = 0;
-    for (const MCConverterPtr &step : steps) {
-        if (!step) {
-            ++finished;
-            continue;
-        }
-        QString status = step->monitorConversion();
         if (status == kComplete)
             ++finished;
-        else if (status == kError)
-            status = QStringLiteral("%1%").arg(lastValue);
-        // "Complete" reads as 0, so the counter also steps once as the tool ends.
-        const int value = leadingInteger(status);
-        if (lastValue > value)
-            ++counter;
-        appendRow(progressRow(label(step, counter), status));
-        lastValue = value;
+        if (status == kPass1Complete) {
+            handOffAndWait([this, step] { startPass2SelectorFor(step); });
+            if (!policy.keepFinishedRows)
+                continue;
+        }
+        const QVariantMap row = rowForStatus(policy, step, status, progressList().size());
+        if (!row.isEmpty())
+            appendRow(row);
     }
     return finished >= steps.size();
+}
+
+QVariantMap MCJob::rowForStatus(const MCMonitorPolicy &policy, const MCConverterPtr &step, QString status,
+                                qsizetype position)
+{
+    QMutexLocker lock(&m_mutex);
+    if (status == kError && !policy.errorShowsLastPercentage) {
+        // No news: the step's row of the tick before stands.
+        if (position < m_oldProgressList.size()) {
+            const QVariantMap previous = m_oldProgressList.at(position).toMap();
+            if (previous.value(QStringLiteral("Step")).toString() == step->stepName)
+                return previous;
+        }
+        return progressRow(step->stepName, QString());
+    }
+    if (status == kError)
+        status = QStringLiteral("%1%").arg(m_lastValue);
+    if (policy.errorShowsLastPercentage) {
+        // "Complete" reads as 0, so a counter also steps once as the tool ends.
+        const int value = leadingInteger(status);
+        if (policy.countedLabel && m_lastValue > value)
+            ++m_stepCounter;
+        m_lastValue = value;
+    }
+    if (status == kComplete && !policy.keepFinishedRows)
+        return {};
+    if (const auto heartbeat = policy.heartbeatRows.constFind(status); heartbeat != policy.heartbeatRows.cend())
+        return *heartbeat;
+    const QString label = policy.countedLabel ? policy.countedLabel(step->stepName, m_stepCounter) : step->stepName;
+    return progressRow(label, status);
+}
+
+QString MCJob::firstStepFailure(MCConverterPtr *failedStep) const
+{
+    {
+        QMutexLocker lock(&m_mutex);
+        if (!m_failureReason.isEmpty())
+            return m_failureReason;
+    }
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (!step)
+            continue;
+        const QString reason = step->failureReason();
+        if (!reason.isEmpty()) {
+            *failedStep = step;
+            return step->stepName.isEmpty() ? reason : QStringLiteral("%1: %2").arg(step->stepName, reason);
+        }
+    }
+    return {};
+}
+
+QString MCJob::checkResults() const
+{
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (!step)
+            continue;
+        for (const QString &path : step->resultPaths()) {
+            const QString problem = MCResultCheck::check(path, step->expectedResult);
+            if (!problem.isEmpty())
+                return QStringLiteral("The result %1 is not right: %2").arg(QFileInfo(path).fileName(), problem);
+        }
+    }
+    return {};
+}
+
+void MCJob::finishJob(const QString &reason, const MCConverterPtr &failedStep)
+{
+    if (!reason.isEmpty()) {
+        failJob(reason, failedStep);
+        return;
+    }
+    QStringList published;
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (!step)
+            continue;
+        for (const QString &path : step->resultPaths()) {
+            if (!m_staging.contains(path)) {
+                published << path; // a tool that writes beside its source
+                continue;
+            }
+            const QString finalPath = m_staging.publish(path);
+            if (finalPath.isEmpty()) {
+                failJob(QStringLiteral("The result %1 could not be put in place: %2")
+                            .arg(QFileInfo(path).fileName(), m_staging.errorText()),
+                        nullptr);
+                return;
+            }
+            // A watched folder must not take the result up as a new movie.
+            MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted,
+                                                       QUrl::fromLocalFile(finalPath));
+            published << finalPath;
+        }
+    }
+    {
+        QMutexLocker lock(&m_mutex);
+        m_resultPaths = published;
+    }
+    jobDone();
+}
+
+void MCJob::failJob(const QString &reason, const MCConverterPtr &failedStep)
+{
+    // Half-written results never stand where a result would.
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (!step)
+            continue;
+        for (const QString &path : step->resultPaths()) {
+            if (m_staging.contains(path))
+                QFile::remove(path);
+        }
+    }
+    QString keptLog;
+    if (failedStep && m_staging.contains(failedStep->logFileURL.toLocalFile())
+        && QFileInfo::exists(failedStep->logFileURL.toLocalFile())) {
+        keptLog = m_staging.publish(failedStep->logFileURL.toLocalFile());
+        logFilesToDeleteList.removeAll(failedStep->logFileURL.toLocalFile());
+    }
+    {
+        QMutexLocker lock(&m_mutex);
+        m_failureReason = reason;
+        m_failedLogPath = keptLog;
+    }
+    MCLog::line(QStringLiteral("Failed: %1: %2%3")
+                    .arg(jobFileName, reason, keptLog.isEmpty() ? QString() : QStringLiteral(" (log: %1)").arg(keptLog)));
+    jobDone();
 }
 
 void MCJob::handOffAndWait(const std::function<void()> &work)
@@ -284,8 +460,16 @@ void MCJob::postProgressUpdate(const QVariantList &rows)
 void MCJob::sleepOneTick()
 {
     QMutexLocker lock(&m_sleepMutex);
-    if (!jobIsCancelled())
+    if (!m_wakePending && !jobIsCancelled())
         m_wake.wait(&m_sleepMutex, kTickMilliseconds);
+    m_wakePending = false;
+}
+
+void MCJob::wakeMonitor()
+{
+    QMutexLocker lock(&m_sleepMutex);
+    m_wakePending = true;
+    m_wake.wakeAll();
 }
 
 QStringList MCJob::jobInputPaths() const
@@ -315,7 +499,7 @@ void MCJob::removeFiles(const QStringList &paths)
         if (path.isEmpty() || inputs.contains(QFileInfo(path).absoluteFilePath()))
             continue;
         if (QFileInfo::exists(path))
-            doUnixCommand(QStringLiteral("rm"), {QUrl::fromLocalFile(path)});
+            QFile::remove(path);
     }
 }
 
@@ -324,20 +508,25 @@ void MCJob::jobDone()
     if (!(appPreferences && appPreferences->keepLogsFlag)) {
         removeFiles(logFilesToDeleteList);
         removeFiles(tempFilesToDeleteList);
+    } else if (m_staging.exists()) {
+        // Kept logs and intermediates leave the private folder with the job.
+        const QFileInfoList kept = QDir(m_staging.path()).entryInfoList(QDir::Files | QDir::Hidden);
+        for (const QFileInfo &file : kept)
+            m_staging.publish(file.absoluteFilePath());
     }
+    m_staging.remove();
     QVariantList emptyRows;
     emptyRows.reserve(200);
     setProgressList(emptyRows);
     MCNotificationCenter::defaultCenter().post(MCNotificationName::jobDone, emptyRows,
-                                               {{QStringLiteral("job"), m_jobSerial}});
+                                               {{QStringLiteral("job"), m_jobSerial},
+                                                {QStringLiteral("failed"), failureReason()}});
     warnIfSaveVolumeIsAlmostFull();
 }
 
 void MCJob::warnIfSaveVolumeIsAlmostFull()
 {
-    QString folder = appPreferences ? appPreferences->saveDirectoryURL.toLocalFile() : QString();
-    if (folder.isEmpty() && jobSelection)
-        folder = QFileInfo(jobSelection->videoTrackFileURL.toLocalFile()).absolutePath();
+    const QString folder = saveFolderPath();
     const QStorageInfo volume(folder);
     if (folder.isEmpty() || !volume.isValid() || !volume.isReady())
         return;
@@ -352,42 +541,30 @@ void MCJob::warnIfSaveVolumeIsAlmostFull()
 
 void MCJob::pauseJob()
 {
-    // bash's kill reads "-stop" as "-s top"; the upper-case name is the same signal.
-    for (const QString &pid : stepPIDList())
-        doUnixCommand(QStringLiteral("kill"), {QStringLiteral("-STOP"), pid});
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (step)
+            step->signalTool(SIGSTOP);
+    }
 }
 
 void MCJob::resumeJob()
 {
-    for (const QString &pid : stepPIDList())
-        doUnixCommand(QStringLiteral("kill"), {QStringLiteral("-cont"), pid});
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (step)
+            step->signalTool(SIGCONT);
+    }
 }
 
 void MCJob::stopJob()
 {
-    monitorQueue.clear();
-    m_jobIsCancelled = true;
-    m_wake.wakeAll();
-    const QStringList pids = stepPIDList();
-    for (const QString &pid : pids) {
-        // A paused tool must run again to be able to end.
-        doUnixCommand(QStringLiteral("kill"), {QStringLiteral("-cont"), pid});
-        doUnixCommand(QStringLiteral("kill"), {QStringLiteral("KILL"), pid});
-    }
-    for (const QString &pid : pids) {
-        QDeadlineTimer grace(kStopGraceMilliseconds);
-        bool forced = false;
-        while (processIsRunning(pid)) {
-            if (!forced && grace.hasExpired()) {
-                MCLog::line(QStringLiteral("Process %1 ignored the stop; ending it").arg(pid));
-                doUnixCommand(QStringLiteral("kill"), {QStringLiteral("-KILL"), pid});
-                forced = true;
-            }
-            QThread::msleep(50);
-        }
+    stopMonitorThread();
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (step)
+            step->stopTool(kStopGraceMilliseconds);
     }
     setProgressList({});
     postProgressUpdate({});
     removeFiles(logFilesToDeleteList);
     removeFiles(tempFilesToDeleteList);
+    m_staging.remove();
 }

@@ -2,6 +2,8 @@
 
 #include "MCConverter.h"
 #include "MCHelpers.h"
+#include "MCJobStaging.h"
+#include "MCMonitorPolicy.h"
 #include "MCSelection.h"
 
 #include <QMutex>
@@ -18,8 +20,14 @@
 class MCPreferences;
 
 // One queued piece of work on one input: an ordered list of steps, a monitor
-// loop on the job's own thread that reads their progress every half second,
-// the progress rows, and the cleanup of logs and intermediate files.
+// loop on the job's own thread that reads their progress every half second
+// (sooner when a tool ends), the progress rows, and the cleanup of logs and
+// intermediate files.
+//
+// Everything a job writes goes first into a private folder inside the save
+// folder; the results move to their final names only once every tool
+// succeeded and the results check out. A job that fails says why, keeps the
+// log of the step that failed, and leaves no partial result behind.
 //
 // The job object lives on the main thread. Its monitor loops run one after
 // another on monitorQueue (a pool of one thread). The lists the two threads
@@ -60,13 +68,22 @@ public:
     // Identifies the job's notifications (userInfo "job").
     quint64 jobSerial() const { return m_jobSerial; }
 
+    // Once the job has ended: why it failed ("" when it did not), the log
+    // kept for the user when it failed, and where its results now are.
+    QString failureReason() const;
+    QString failedLogPath() const;
+    QStringList resultPaths() const;
+    bool hasFailed() const { return !failureReason().isEmpty(); }
+
     // Builds and starts the steps and the first monitor loop. The base does nothing.
     virtual void startJob();
     // End of a job: cleanup (unless logs are kept), "jobDone", free-space check.
     void jobDone();
+    // Pause and resume reach every tool of the job that still runs.
     void pauseJob();
     void resumeJob();
-    // Cancels the monitor, ends every tool, removes logs and intermediates.
+    // Cancels the monitor, ends every tool, removes logs, intermediates and
+    // whatever the job had begun to write.
     void stopJob();
 
     static QVariantMap progressRow(const QString &step, const QString &progress);
@@ -79,59 +96,75 @@ signals:
 protected:
     QThreadPool monitorQueue;
 
-    // Starts a step for the job's selection: its id joins stepPIDList, its
-    // log and intermediate file the deletion lists; with addStartRow a row
-    // (stepName, "0%") is added.
+    // Starts a step for the job's selection inside the job's private folder:
+    // its id joins stepPIDList, its log and intermediate file the deletion
+    // lists; with addStartRow a row (stepName, "0%") is added.
     void startStep(const MCConverterPtr &step, bool addStartRow);
 
-    // Puts a monitor loop on monitorQueue: tick runs, the rows are posted,
-    // the loop sleeps half a second, and repeats until tick answers true or
-    // the job is cancelled. Unless cancelled, nextPhase then runs on the
-    // main thread (not waited for).
-    void addMonitorLoop(std::function<bool()> tick, std::function<void()> nextPhase);
+    // Puts a monitor loop on monitorQueue: every tick asks each step for its
+    // status and builds the rows as the policy says, posts them, and waits
+    // half a second (or until a tool ends). When every step is finished the
+    // loop ends; unless cancelled, a step that failed ends the job as failed,
+    // otherwise nextPhase runs on the main thread. Without a nextPhase the
+    // job ends here: its results are checked and put in place.
+    void addMonitorLoop(const MCMonitorPolicy &policy, std::function<void()> nextPhase = {});
+    // The counter and last percentage of the counted monitors, reset for a
+    // new phase (main thread, before the loop starts).
+    void resetMonitorCounters();
+    int monitorStepCounter() const;
+    int monitorLastValue() const;
 
-    // One tick of the common contract: finished steps drop out of the
-    // table; "error" repeats the step's previous row.
-    bool standardMonitorTick();
-    // The start monitor: every step keeps its row, "Complete" included.
-    bool startMonitorTick();
-    // The mux and multi-step monitors: "error" shows the last percentage,
-    // and the counter goes up whenever the percentage falls back.
-    bool countedMonitorTick(int &counter, int &lastValue, const std::function<QString(const MCConverterPtr &, int)> &label);
-
-    // Ends the monitor thread for good (as a stop does, without touching the
-    // tools); subclasses whose ticks read their own fields call it first
-    // thing in their destructor.
-    void stopMonitorThread();
+    // Checks the results of a job whose steps all succeeded (monitor thread,
+    // results still in the private folder): "" when they are right, else
+    // what is wrong. The base wants every result to be a non-empty file.
+    virtual QString checkResults() const;
+    // The save folder of the job: the preferences' folder, else the folder
+    // of the job's source (or first file).
+    QString saveFolderPath() const;
 
     // Runs work on the main thread and waits for it; gives up waiting when
     // the job is cancelled, so a stop can never dead-lock with the monitor.
     void handOffAndWait(const std::function<void()> &work);
     // Starts the second pass of a two-pass step (main thread).
     virtual void startPass2SelectorFor(const MCConverterPtr &step);
+    // Ends the job as failed (main thread): its results are removed, the
+    // failed step's log is kept, and the queue reads "Failed".
+    void failJob(const QString &reason, const MCConverterPtr &failedStep);
 
 private:
-    // Shared between startMonitorTick and standardMonitorTick.
-    bool monitorTick(bool keepFinishedRows);
-    QVariantMap errorRow(const QString &stepName, qsizetype position) const;
+    bool monitorTick(const MCMonitorPolicy &policy);
+    QVariantMap rowForStatus(const MCMonitorPolicy &policy, const MCConverterPtr &step, QString status,
+                             qsizetype position);
+    QString firstStepFailure(MCConverterPtr *failedStep) const;
+    void finishJob(const QString &reason, const MCConverterPtr &failedStep);
+    bool ensureStaging();
     void beginTick();
     void appendRow(const QVariantMap &row);
     void postProgressUpdate(const QVariantList &rows);
     void sleepOneTick();
+    void wakeMonitor();
+    void stopMonitorThread();
     void removeFiles(const QStringList &paths);
     QStringList jobInputPaths() const;
     void warnIfSaveVolumeIsAlmostFull();
 
     QString m_jobStatus = QStringLiteral("Queued");
     const quint64 m_jobSerial;
+    MCJobStaging m_staging;
 
     mutable QMutex m_mutex;
     QList<MCConverterPtr> m_stepConverterList;
     QStringList m_stepPIDList;
     QVariantList m_progressList;
     QVariantList m_oldProgressList;
+    QString m_failureReason;
+    QString m_failedLogPath;
+    QStringList m_resultPaths;
+    int m_stepCounter = 1;
+    int m_lastValue = 0;
 
     std::atomic<bool> m_jobIsCancelled{false};
     QMutex m_sleepMutex;
     QWaitCondition m_wake;
+    bool m_wakePending = false;
 };

@@ -3,6 +3,8 @@
 #include "MCNotificationCenter.h"
 #include "MCPreferences.h"
 
+#include <QDir>
+
 namespace {
 
 const QString kVideo = QStringLiteral("Video");
@@ -108,6 +110,12 @@ MCOptionList MCMencoderVideo::subtitleOptions() const
     return options;
 }
 
+QString MCMencoderVideo::passLogFilePath() const
+{
+    const QString folder = stagingFolder.isEmpty() ? QDir::tempPath() : stagingFolder;
+    return doubleQuotedFormOf(QDir(folder).filePath(QStringLiteral("passLogFile.log")));
+}
+
 void MCMencoderVideo::composeOptionArrays()
 {
     optionArray1 = MCOptionList{inputFileURL} + videoOptions();
@@ -115,7 +123,7 @@ void MCMencoderVideo::composeOptionArrays()
     const QString encoderOptions =
         QStringLiteral("threads=8:vcodec=mpeg4:autoaspect:vbitrate=%1").arg(converterSelection->userVideoBitRate);
     const bool twoPasses = converterSelection->userPassNumber == QStringLiteral("2");
-    const QString passLog = QStringLiteral(" -passlogfile %1").arg(QString::fromLatin1(passLogFile));
+    const QString passLog = QStringLiteral(" -passlogfile %1").arg(passLogFilePath());
     if (twoPasses) {
         optionArray2 = optionArray1;
         optionArray1 << encoderOptions + QStringLiteral(":vpass=1:turbo") + passLog;
@@ -151,7 +159,7 @@ void MCMencoderVideo::prepareFor(const MCSelectionPtr &selection)
 QString MCMencoderVideo::startConversionFor(const MCSelectionPtr &selection)
 {
     if (!selection)
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is nothing to work on"));
     prepareFor(selection);
     MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
     oldProgress = QString();
@@ -176,7 +184,7 @@ std::optional<QString> MCMencoderVideo::percentFromPosLine(const QString &line)
 
 QString MCMencoderVideo::monitorConversion()
 {
-    if (!processIsRunning(doShell_ID))
+    if (!toolIsRunning())
         return currentPass == 1 ? QStringLiteral("Pass 1 Complete") : QStringLiteral("Complete");
     const std::optional<QString> percent = percentFromPosLine(lastLogLine());
     if (!percent)

@@ -28,8 +28,9 @@ public:
     // "(" and the next ")", blanks kept); nothing for any other line.
     static std::optional<QString> percentFromPosLine(const QString &line);
 
-    // Every pass of every job shares this log; only one job runs at a time.
-    static constexpr char passLogFile[] = "/tmp/passLogFile.log";
+    // The two passes share their statistics in the job's private folder, so
+    // two jobs (or two Kestranes) never read each other's. Shell-quoted.
+    QString passLogFilePath() const;
 
 private:
     MCOptionList videoOptions() const;

@@ -10,7 +10,7 @@ QString MCMkvExtractor::startConversionFor(const MCSelectionPtr &selection)
     initializeFor(selection);
     const MCVideoTrackPtr track = trackToProcess();
     if (!track)
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is no track to extract"));
     QString kind;
     if (track->trackType == QStringLiteral("Video"))
         kind = QStringLiteral("v");
@@ -19,7 +19,7 @@ QString MCMkvExtractor::startConversionFor(const MCSelectionPtr &selection)
     else if (track->trackType == QStringLiteral("Subtitle"))
         kind = QStringLiteral("s");
     else
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("mkvextract cannot write a %1 track").arg(track->trackType));
     const QString output = QStringLiteral("%1%2.%3%4.%5")
                                .arg(outputFileURL.toLocalFile(),
                                     isTemporaryOutput ? QStringLiteral(".temp") : QString(), kind,
@@ -41,7 +41,7 @@ QString MCMkvExtractor::progressFromLine(const QString &line)
 
 QString MCMkvExtractor::monitorConversion()
 {
-    if (!processIsRunning(doShell_ID))
+    if (!toolIsRunning())
         return QStringLiteral("Complete");
     return progressFromLine(lastLogLine());
 }

@@ -13,4 +13,8 @@ public:
 
     // The percentage at the end of an mkvextract progress line, or "error".
     static QString progressFromLine(const QString &line);
+
+protected:
+    // mkvextract ends with 1 when it only warned.
+    bool exitCodeMeansSuccess(int exitCode) const override { return exitCode <= 1; }
 };

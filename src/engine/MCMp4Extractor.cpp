@@ -33,12 +33,12 @@ QString MCMp4Extractor::startConversionFor(const MCSelectionPtr &selection)
 {
     MCOptionList options;
     if (!prepareFor(selection, &options))
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is no track to extract"));
     // Without an MP4Box the step starts nothing.
     const QUrl tool = urlOfApp(QStringLiteral("mp4box"));
     if (!fileExistsAtURL(tool)) {
         tempFileToDeleteURL.clear();
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("MP4Box is missing from Kestrane's resource folder"));
     }
     return launchInBackground(tool, options);
 }
@@ -56,7 +56,7 @@ QString MCMp4Extractor::progressFromLine(const QString &line)
 
 QString MCMp4Extractor::monitorConversion()
 {
-    if (!processIsRunning(doShell_ID))
+    if (!toolIsRunning())
         return QStringLiteral("Complete");
     return progressFromLine(lastLogLine());
 }

@@ -16,6 +16,8 @@ namespace {
 const QString kQueued = QStringLiteral("Queued");
 const QString kRunning = QStringLiteral("Running");
 const QString kCompleted = QStringLiteral("Completed");
+const QString kFailed = QStringLiteral("Failed");
+const QString kPaused = QStringLiteral("Paused");
 const QString kPause = QStringLiteral("Pause");
 const QString kResume = QStringLiteral("Resume");
 
@@ -90,6 +92,8 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
         emit drawerOpenRequested();
         m_qTimer.start();
     }
+    // An idle queue starts the job at once instead of on the next tick.
+    QTimer::singleShot(0, this, &MCQueueController::manageQueue);
     const auto makeJob = [&](const MCSelectionPtr &jobSelection, const QString &fileName) {
         MCJob *job = MCJobFactory::instance().create(className, this);
         job->jobType = selection->jobType;
@@ -109,7 +113,16 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
     MCSelectionPtr copy = selection->copy();
     if (selection->jobType == QStringLiteral("AVI Conversion") || selection->jobType == QStringLiteral("MKV Remux"))
         copy->trackList += copy->addedAudioTrackList;
-    makeJob(copy, selection->videoTrackFileName);
+    makeJob(copy, jobFileNameFor(*selection));
+}
+
+QString MCQueueController::jobFileNameFor(const MCSelection &selection)
+{
+    const bool named = !selection.videoTrackFileName.isEmpty() && selection.videoTrackFileName != QStringLiteral("none");
+    // File-level edits have no loaded source; their first file names them.
+    if (!named && !selection.editFilesURLsList.isEmpty())
+        return selection.editFilesURLsList.first().fileName();
+    return selection.videoTrackFileName;
 }
 
 void MCQueueController::appendJob(MCJob *job)
@@ -149,6 +162,7 @@ void MCQueueController::manageQueue()
         if (job->jobStatus() != kQueued)
             continue;
         setPauseButtonTitle(kPause);
+        m_pausedByUser = false;
         m_currentJob = job;
         m_currentJobRowIndex = row;
         setJobIsRunning(true);
@@ -182,8 +196,13 @@ void MCQueueController::notificationHub(const MCNotification &notification)
         if (!isFromCurrentJob(notification))
             return;
         setJobIsRunning(false);
+        m_pausedByUser = false;
+        setPauseButtonTitle(kPause);
         m_progressModel->setRows(notification.object.toList());
-        m_currentJob->setJobStatus(kCompleted);
+        m_currentJob->setJobStatus(m_currentJob->hasFailed() ? kFailed : kCompleted);
+        emit jobEnded(m_currentJob);
+        // The next job starts as soon as this one has ended.
+        QTimer::singleShot(0, this, &MCQueueController::manageQueue);
     } else if (notification.name == MCNotificationName::conversionStarted) {
         noteOwnOutput(notification.object);
     }
@@ -203,26 +222,51 @@ void MCQueueController::pauseQueueButton()
 {
     if (!m_qJobIsRunning || !m_currentJob)
         return;
-    if (m_pauseButtonTitle == kPause) {
-        setPauseButtonTitle(kResume);
-        m_currentJob->pauseJob();
-    } else {
-        setPauseButtonTitle(kPause);
-        m_currentJob->resumeJob();
-    }
+    if (m_pausedByUser)
+        resumeCurrentJob();
+    else
+        pauseCurrentJob();
+}
+
+void MCQueueController::pauseCurrentJob()
+{
+    if (!m_qJobIsRunning || !m_currentJob)
+        return;
+    m_pausedByUser = true;
+    m_currentJob->pauseJob();
+    m_currentJob->setJobStatus(kPaused);
+    setPauseButtonTitle(kResume);
+}
+
+void MCQueueController::resumeCurrentJob()
+{
+    if (!m_qJobIsRunning || !m_currentJob)
+        return;
+    m_pausedByUser = false;
+    m_currentJob->resumeJob();
+    m_currentJob->setJobStatus(kRunning);
+    setPauseButtonTitle(kPause);
 }
 
 void MCQueueController::clearQueueButton()
 {
+    // Ended jobs go, failed ones too: their logs were kept outside the queue.
     for (int row = static_cast<int>(qJobList().size()) - 1; row >= 0; --row) {
-        if (qJobList().at(row)->jobStatus() == kCompleted)
+        const QString status = qJobList().at(row)->jobStatus();
+        if (status == kCompleted || status == kFailed)
             removeJobAt(row);
     }
 }
 
 void MCQueueController::deleteJobRow(int row, int column)
 {
-    if (column != 0 || row < 0 || row >= qJobList().size())
+    if (column == 0)
+        removeJob(row);
+}
+
+void MCQueueController::removeJob(int row)
+{
+    if (row < 0 || row >= qJobList().size())
         return;
     if (!m_qJobIsRunning || !m_currentJob) {
         removeJobAt(row);
@@ -255,6 +299,7 @@ void MCQueueController::quitJobAlertClosed(int returnCode)
     MCJob *job = m_currentJob;
     job->stopJob();
     m_currentJob = nullptr;
+    m_pausedByUser = false;
     setJobIsRunning(false);
     setPauseButtonTitle(kPause);
     removeJobAt(static_cast<int>(qJobList().indexOf(job)));
@@ -262,8 +307,8 @@ void MCQueueController::quitJobAlertClosed(int returnCode)
 
 void MCQueueController::resumeUnlessPausedByUser()
 {
-    // A job the user paused stays paused; the button would say otherwise.
-    if (m_pauseButtonTitle == kPause && m_currentJob)
+    // A job the user paused stays paused.
+    if (!m_pausedByUser && m_currentJob)
         m_currentJob->resumeJob();
 }
 

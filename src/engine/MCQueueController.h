@@ -36,10 +36,17 @@ public:
     void notificationHub(const MCNotification &notification);
     // The Pause/Resume button: acts only while a job runs.
     void pauseQueueButton();
+    // Pause and resume as the user asks for them (the button, a quit that
+    // was cancelled): the job reads "Paused" and the button "Resume".
+    void pauseCurrentJob();
+    void resumeCurrentJob();
+    bool pausedByUser() const { return m_pausedByUser; }
     // Removes every completed job.
     void clearQueueButton();
     // A click in the job table; only the first (delete) column acts.
     void deleteJobRow(int row, int column);
+    // Removes a job; the running one only after the user confirmed its stop.
+    void removeJob(int row);
     void quitJobAlertClosed(int returnCode);
     void startJobThread();
 
@@ -58,12 +65,16 @@ public:
 
     // jobType -> job class; any other type is not queued.
     static QString jobClassForType(const QString &jobType);
+    // The name a job shows: its source, or the first file of a file edit.
+    static QString jobFileNameFor(const MCSelection &selection);
 
 signals:
     void drawerOpenRequested();
     void drawerCloseRequested();
     void pauseButtonTitleChanged();
     void qJobIsRunningChanged();
+    // A job ended ("Completed" or "Failed").
+    void jobEnded(MCJob *job);
 
 private:
     void appendJob(MCJob *job);
@@ -80,6 +91,7 @@ private:
     QPointer<MCJob> m_currentJob;
     qint64 m_currentJobRowIndex = 0;
     bool m_qJobIsRunning = false;
+    bool m_pausedByUser = false;
     QString m_pauseButtonTitle = QStringLiteral("Pause");
     MCWatchModeLink *m_watchModeController = nullptr;
     QMetaObject::Connection m_hubConnection;

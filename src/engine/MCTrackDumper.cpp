@@ -13,7 +13,7 @@ QString MCTrackDumper::startConversionFor(const MCSelectionPtr &selection)
     initializeFor(selection);
     const MCVideoTrackPtr track = trackToProcess();
     if (!track)
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is no track to extract"));
     const QString base = outputFileURL.toLocalFile();
     QUrl tool;
     MCOptionList options{inputFileURL};
@@ -29,7 +29,8 @@ QString MCTrackDumper::startConversionFor(const MCSelectionPtr &selection)
         tool = urlOfApp(QStringLiteral("mplayer"));
         options << QStringLiteral("-aid") << track->trackMencoderID << QStringLiteral("-dumpaudio -dumpfile");
     } else {
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("Kestrane cannot extract a %1 track from a .%2 file")
+                          .arg(track->trackType.toLower(), track->trackFileExtension));
     }
     logFileURL = QUrl::fromLocalFile(outputFileURL.toLocalFile() + QStringLiteral(".log"));
     options << outputFileURL << QStringLiteral("&>") << logFileURL << QStringLiteral("& echo $!");
@@ -41,7 +42,7 @@ QString MCTrackDumper::startConversionFor(const MCSelectionPtr &selection)
 
 QString MCTrackDumper::monitorConversion()
 {
-    if (!processIsRunning(doShell_ID))
+    if (!toolIsRunning())
         return QStringLiteral("Complete");
     if (dumpingAudio)
         return QStringLiteral("Extracting");

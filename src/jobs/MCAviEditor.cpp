@@ -27,14 +27,14 @@ QString MCAviEditor::startConversionFor(const MCSelectionPtr &selection)
     doShell_ID.clear();
     tempFileToDeleteURL.clear();
     if (!selection)
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is nothing to work on"));
     if (selection->jobType == QStringLiteral("AVI Joining"))
         return startJoining();
     if (selection->jobType == QStringLiteral("AVI Splitting"))
         return startSplitting();
     if (selection->jobType == QStringLiteral("AVI Track Addition"))
         return startAddingAudio();
-    return QStringLiteral("error");
+    return refuse(QStringLiteral("the AVI editor cannot do \"%1\"").arg(selection->jobType));
 }
 
 QString MCAviEditor::stemInSaveFolder(const QUrl &input)
@@ -48,7 +48,7 @@ QString MCAviEditor::startJoining()
 {
     const QList<QUrl> files = converterSelection->editFilesURLsList;
     if (files.isEmpty())
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there are no files to join"));
     inputFileURL = files.first();
     const QStringList mismatched = findMismatchedProperetiesFor(files);
     if (!mismatched.isEmpty())
@@ -90,9 +90,12 @@ QString MCAviEditor::startSplitting()
     logFileURL = QUrl::fromLocalFile(stem + QStringLiteral(".split.log"));
     outputFileURL = QUrl::fromLocalFile(
         QStringLiteral("%1.split.%2").arg(stem, QFileInfo(inputFileURL.toLocalFile()).suffix()));
+    const QString &type = converterSelection->splitType;
+    if (type != QStringLiteral("time") && type != QStringLiteral("size"))
+        return refuse(QStringLiteral("avisplit splits by time or by size, not by \"%1\"").arg(type));
     const MCOptionList split = splitArgumentsFor(*converterSelection);
     if (split.isEmpty())
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("the split values cannot be used (a time range must end after it starts, a size must be above 0)"));
     MCOptionList arguments{QStringLiteral("-i"), inputFileURL};
     arguments << split << QStringLiteral("-o") << outputFileURL;
     return launch(QStringLiteral("avisplit"), arguments, {inputFileURL});
@@ -114,7 +117,7 @@ QString MCAviEditor::startAddingAudio()
     if (!audio)
         audio = trackToProcess();
     if (!audio)
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is no audio file to add"));
     const QString stem = stemInSaveFolder(inputFileURL);
     outputFileURL = QUrl::fromLocalFile(
         QStringLiteral("%1.addedAudio.%2").arg(stem, QFileInfo(inputFileURL.toLocalFile()).suffix()));
@@ -122,7 +125,7 @@ QString MCAviEditor::startAddingAudio()
     monitorCounter = 0;
     const QList<QUrl> inputs{inputFileURL, audio->trackFileURL};
     if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("its result would be written over one of its own inputs"));
     return launch(QStringLiteral("avimerge"),
                   {QStringLiteral("-i"), inputFileURL, QStringLiteral("-p"), audio->trackFileURL, QStringLiteral("-o"),
                    outputFileURL},
@@ -132,7 +135,7 @@ QString MCAviEditor::startAddingAudio()
 QString MCAviEditor::launch(const QString &tool, MCOptionList arguments, const QList<QUrl> &inputs)
 {
     if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("its result would be written over one of its own inputs"));
     // A watched folder must not take the result up as a new movie.
     MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
     arguments << QStringLiteral("&>") << logFileURL << QStringLiteral("& echo $!");
@@ -147,7 +150,7 @@ QString MCAviEditor::heartbeat(const QString &word)
 
 QString MCAviEditor::monitorConversion()
 {
-    if (!processIsRunning(doShell_ID))
+    if (!toolIsRunning())
         return QStringLiteral("Complete");
     if (converterName == kAudioMuxer)
         return heartbeat(QStringLiteral("avimerge"));

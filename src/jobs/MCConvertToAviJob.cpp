@@ -9,6 +9,8 @@
 
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
 const QString kSubtitleLabel = QStringLiteral("Extracting Subtitle");
@@ -25,12 +27,6 @@ MCConvertToAviJob::MCConvertToAviJob(QObject *parent)
 {
 }
 
-MCConvertToAviJob::~MCConvertToAviJob()
-{
-    // The monitor thread reads this job's counters; it must end first.
-    stopMonitorThread();
-}
-
 void MCConvertToAviJob::registerJobType()
 {
     MCJobFactory::instance().registerJobType(QStringLiteral("MCConvertToAviJob"),
@@ -42,6 +38,7 @@ void MCConvertToAviJob::startJob()
     theTracks = jobSelection->trackList;
     auto video = std::make_shared<MCMencoderVideo>();
     video->inititializeForTrack(0, QStringLiteral("Video Conversion"), true);
+    video->expectedResult = expectedAvi();
     QList<MCConverterPtr> steps{video};
 
     if (jobSelection->subCount.toInt() > 0) {
@@ -82,9 +79,22 @@ void MCConvertToAviJob::startJob()
     QTimer::singleShot(100, this, &MCConvertToAviJob::monitorStartJob);
 }
 
+MCResultExpectation MCConvertToAviJob::expectedAvi() const
+{
+    MCResultExpectation avi;
+    avi.media = true;
+    avi.videoTracks = 1;
+    const bool withAudio = std::any_of(theTracks.cbegin(), theTracks.cend(), [](const MCVideoTrackPtr &track) {
+        return track->trackType == QStringLiteral("Audio");
+    });
+    avi.audioTracks = withAudio ? 1 : 0;
+    avi.durationSources = {jobSelection->videoTrackFileURL.toLocalFile()};
+    return avi;
+}
+
 void MCConvertToAviJob::monitorStartJob()
 {
-    addMonitorLoop([this] { return startMonitorTick(); }, [this] { jobDone(); });
+    addMonitorLoop(MCMonitorPolicy::start());
 }
 
 void MCConvertToAviJob::muxStep()
@@ -95,18 +105,12 @@ void MCConvertToAviJob::muxStep()
     setStepPIDList({});
     setProgressList({});
     startStep(muxer, true);
-    muxStepCounter = 1;
-    oldMuxProgress = 0;
+    resetMonitorCounters();
     QTimer::singleShot(100, this, &MCConvertToAviJob::monitorMuxStep);
 }
 
 void MCConvertToAviJob::monitorMuxStep()
 {
-    addMonitorLoop(
-        [this] {
-            return countedMonitorTick(muxStepCounter, oldMuxProgress, [](const MCConverterPtr &, int counter) {
-                return QStringLiteral("Muxing Step #%1").arg(counter);
-            });
-        },
-        [this] { jobDone(); });
+    addMonitorLoop(MCMonitorPolicy::counted(
+        [](const QString &, int counter) { return QStringLiteral("Muxing Step #%1").arg(counter); }));
 }

@@ -10,11 +10,11 @@ class MCConvertToAviJob : public MCJob
     Q_OBJECT
 public:
     explicit MCConvertToAviJob(QObject *parent = nullptr);
-    ~MCConvertToAviJob() override;
 
     MCTrackList theTracks;
-    int muxStepCounter = 1;
-    int oldMuxProgress = 0;
+    // The mux monitor's counters ("Muxing Step #%i" and the last percentage).
+    int muxStepCounter() const { return monitorStepCounter(); }
+    int oldMuxProgress() const { return monitorLastValue(); }
 
     void startJob() override;
     // Every step is watched until it ends; then the job is done.
@@ -25,4 +25,8 @@ public:
     void monitorMuxStep();
 
     static void registerJobType();
+
+private:
+    // The AVI holds one video, the selected audio, and lasts as the source.
+    MCResultExpectation expectedAvi() const;
 };

@@ -4,6 +4,7 @@
 #include "MCJobFactory.h"
 #include "MCLog.h"
 #include "MCMkvReMuxer.h"
+#include "MCSplitRange.h"
 #include "MCTrackDumper.h"
 
 #include <QTimer>
@@ -23,22 +24,15 @@ QString extractionLabelFor(const QString &trackType)
     return QStringLiteral("Extracting");
 }
 
-int leadingInteger(const QString &status)
-{
-    return status.section(QLatin1Char('%'), 0, 0).trimmed().toInt();
-}
+// How much earlier than asked a cut by time may start: avisplit begins at
+// the key frame before the start.
+constexpr double kKeyFrameSlackSeconds = 12.0;
 
 } // namespace
 
 MCEditAviJob::MCEditAviJob(QObject *parent)
     : MCJob(parent)
 {
-}
-
-MCEditAviJob::~MCEditAviJob()
-{
-    // The monitor thread reads this job's counters; it must end first.
-    stopMonitorThread();
 }
 
 void MCEditAviJob::registerJobType()
@@ -53,9 +47,7 @@ void MCEditAviJob::startJob()
     setProgressList({});
     theTracks = jobSelection->trackList;
     setStepConverterList({});
-    progressStepCounter = 1;
-    muxStepCounter = 1;
-    oldStepProgress = 0;
+    resetMonitorCounters();
 
     const QString &type = jobSelection->jobType;
     if (type == QStringLiteral("AVI Track Extraction")) {
@@ -75,8 +67,9 @@ void MCEditAviJob::startJob()
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditAviJob::monitorMuxStep);
     } else {
         // Nothing to do; ending at once keeps the queue moving.
-        MCLog::line(QStringLiteral("No editing steps for \"%1\"").arg(type));
-        QTimer::singleShot(kMonitorDelayMs, this, &MCEditAviJob::jobDone);
+        QTimer::singleShot(kMonitorDelayMs, this, [this, type] {
+            failJob(QStringLiteral("Kestrane has no steps for \"%1\"").arg(type), nullptr);
+        });
     }
 }
 
@@ -86,6 +79,7 @@ void MCEditAviJob::startExtraction()
     for (int i = 0; i < theTracks.size(); ++i) {
         auto step = std::make_shared<MCTrackDumper>();
         step->inititializeForTrack(i, extractionLabelFor(theTracks.at(i)->trackType), true);
+        step->expectedResult.media = true;
         steps.append(step);
     }
     setStepConverterList(steps);
@@ -101,65 +95,56 @@ void MCEditAviJob::startSingleStep(const MCConverterPtr &step, const QString &la
 {
     // Track addition takes its audio file from the first track of the list.
     step->inititializeForTrack(0, label, true);
+    step->expectedResult = expectedResult();
     setStepConverterList({step});
     startStep(step, true);
 }
 
-void MCEditAviJob::monitorStartJob()
+MCResultExpectation MCEditAviJob::expectedResult() const
 {
-    addMonitorLoop([this] { return startMonitorTickOfEditing(); }, [this] { jobDone(); });
+    MCResultExpectation result;
+    result.media = true;
+    result.videoTracks = 1;
+    const QString &type = jobSelection->jobType;
+    const QString source = jobSelection->videoTrackFileURL.toLocalFile();
+    if (type == QStringLiteral("AVI Joining")) {
+        // A join lasts as long as its files together: a file it could not
+        // read would leave it short.
+        for (const QUrl &file : jobSelection->editFilesURLsList)
+            result.durationSources << file.toLocalFile();
+    } else if (type == QStringLiteral("AVI Splitting") && jobSelection->splitType == QStringLiteral("time")) {
+        result.durationSources = {source};
+        result.rangeStart = MCSplitRange::secondsOfTimeText(jobSelection->splitStartTimeText);
+        result.rangeEnd = MCSplitRange::secondsOfTimeText(jobSelection->splitEndTimeText);
+        // The cut starts at the key frame before the start.
+        result.cutSlackSeconds = kKeyFrameSlackSeconds;
+    } else if (type == QStringLiteral("AVI Track Addition") || type == QStringLiteral("MKV Remux")) {
+        result.durationSources = {source};
+    }
+    return result;
 }
 
-bool MCEditAviJob::startMonitorTickOfEditing()
+void MCEditAviJob::monitorStartJob()
 {
-    const QList<MCConverterPtr> steps = stepConverterList();
-    QVariantList rows;
-    qsizetype complete = 0;
-    for (const MCConverterPtr &step : steps) {
-        if (!step) {
-            ++complete;
-            continue;
-        }
-        QString status = step->monitorConversion();
-        if (status == QStringLiteral("Complete")) {
-            ++complete;
-        } else if (status == QStringLiteral("avimerge 1")) {
-            rows.append(progressRow(QStringLiteral("Adding Audio"), QStringLiteral("Muxing")));
-        } else if (status == QStringLiteral("avimerge 2")) {
-            rows.append(progressRow(QStringLiteral("Adding Audio"), QString()));
-        } else if (status == QStringLiteral("splitting 1")) {
-            rows.append(progressRow(QStringLiteral("Splitting AVI"), QStringLiteral("Splitting")));
-        } else if (status == QStringLiteral("splitting 2")) {
-            rows.append(progressRow(QStringLiteral("Splitting AVI"), QString()));
-        } else {
-            if (status == QStringLiteral("error"))
-                status = QStringLiteral("%1%").arg(oldStepProgress);
-            rows.append(progressRow(step->stepName, status));
-        }
-        oldStepProgress = leadingInteger(status);
-    }
-    setProgressList(rows);
-    return complete >= steps.size();
+    MCMonitorPolicy policy;
+    policy.errorShowsLastPercentage = true;
+    policy.heartbeatRows = {
+        {QStringLiteral("avimerge 1"), progressRow(QStringLiteral("Adding Audio"), QStringLiteral("Muxing"))},
+        {QStringLiteral("avimerge 2"), progressRow(QStringLiteral("Adding Audio"), QString())},
+        {QStringLiteral("splitting 1"), progressRow(QStringLiteral("Splitting AVI"), QStringLiteral("Splitting"))},
+        {QStringLiteral("splitting 2"), progressRow(QStringLiteral("Splitting AVI"), QString())},
+    };
+    addMonitorLoop(policy);
 }
 
 void MCEditAviJob::monitorStartJobWithMultipleSteps()
 {
-    addMonitorLoop(
-        [this] {
-            return countedMonitorTick(progressStepCounter, oldStepProgress, [](const MCConverterPtr &step, int counter) {
-                return QStringLiteral("%1 Step #%2").arg(step->stepName).arg(counter);
-            });
-        },
-        [this] { jobDone(); });
+    addMonitorLoop(MCMonitorPolicy::counted(
+        [](const QString &stepName, int counter) { return QStringLiteral("%1 Step #%2").arg(stepName).arg(counter); }));
 }
 
 void MCEditAviJob::monitorMuxStep()
 {
-    addMonitorLoop(
-        [this] {
-            return countedMonitorTick(muxStepCounter, oldStepProgress, [](const MCConverterPtr &, int counter) {
-                return QStringLiteral("Muxing Step #%1").arg(counter);
-            });
-        },
-        [this] { jobDone(); });
+    addMonitorLoop(MCMonitorPolicy::counted(
+        [](const QString &, int counter) { return QStringLiteral("Muxing Step #%1").arg(counter); }));
 }

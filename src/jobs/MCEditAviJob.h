@@ -9,12 +9,12 @@ class MCEditAviJob : public MCJob
     Q_OBJECT
 public:
     explicit MCEditAviJob(QObject *parent = nullptr);
-    ~MCEditAviJob() override;
 
     MCTrackList theTracks;
-    int muxStepCounter = 1;
-    int progressStepCounter = 1;
-    int oldStepProgress = 0;
+    // The counted monitors' step number and the last percentage read.
+    int muxStepCounter() const { return monitorStepCounter(); }
+    int progressStepCounter() const { return monitorStepCounter(); }
+    int oldStepProgress() const { return monitorLastValue(); }
 
     void startJob() override;
 
@@ -34,5 +34,6 @@ public:
 private:
     void startExtraction();
     void startSingleStep(const MCConverterPtr &step, const QString &label);
-    bool startMonitorTickOfEditing();
+    // What each kind of edit leaves: checked before it takes its name.
+    MCResultExpectation expectedResult() const;
 };

@@ -15,12 +15,12 @@ QString MCMkvEditor::startConversionFor(const MCSelectionPtr &selection)
     converterSelection = selection;
     doShell_ID.clear();
     if (!selection)
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is nothing to work on"));
     if (selection->jobType == QStringLiteral("AVI Splitting"))
         return startSplitting();
     if (selection->jobType == QStringLiteral("AVI Joining"))
         return startJoining();
-    return QStringLiteral("error");
+    return refuse(QStringLiteral("mkvmerge cannot do \"%1\"").arg(selection->jobType));
 }
 
 QString MCMkvEditor::splitOptionFor(const MCSelection &selection)
@@ -57,7 +57,7 @@ QString MCMkvEditor::startSplitting()
     tempFileToDeleteURL.clear();
     const QString split = splitOptionFor(*converterSelection);
     if (split.isEmpty())
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("the split values cannot be used (a time range must end after it starts, a size must be above 0)"));
     return launchMkvmerge({QStringLiteral("-o"), outputFileURL, split, QStringLiteral("--compression -1:none"),
                            inputFileURL},
                           {inputFileURL});
@@ -67,7 +67,7 @@ QString MCMkvEditor::startJoining()
 {
     const QList<QUrl> files = converterSelection->editFilesURLsList;
     if (files.isEmpty())
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there are no files to join"));
     inputFileURL = files.first();
     const QStringList mismatched = findMismatchedProperetiesFor(files);
     if (!mismatched.isEmpty())

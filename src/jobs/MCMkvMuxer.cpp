@@ -24,7 +24,7 @@ MCMkvMuxer::MCMkvMuxer()
 QString MCMkvMuxer::startConversionFor(const MCSelectionPtr &selection)
 {
     if (!selection)
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is nothing to work on"));
     selection->logSelectionMuxingProperties();
     initializeFor(selection);
     QString suffix = QStringLiteral("muxed");

@@ -12,7 +12,7 @@ QString MCMkvReMuxer::startConversionFor(const MCSelectionPtr &selection)
     converterSelection = selection;
     doShell_ID.clear();
     if (!selection)
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("there is nothing to work on"));
     inputFileURL = selection->videoTrackFileURL;
     saveDirectoryURL = saveFolderBeside(inputFileURL);
     const QString stem = urlInSaveDirectory(QFileInfo(inputFileURL.toLocalFile()).fileName()).toLocalFile();

@@ -7,7 +7,7 @@
 
 QString MCMkvmergeStep::monitorConversion()
 {
-    if (!processIsRunning(doShell_ID))
+    if (!toolIsRunning())
         return QStringLiteral("Complete");
     return progressFromLine(lastLogLine());
 }
@@ -28,7 +28,7 @@ QString MCMkvmergeStep::launchMkvmerge(MCOptionList arguments, const QList<QUrl>
 {
     doShell_ID.clear();
     if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
-        return QStringLiteral("error");
+        return refuse(QStringLiteral("its result would be written over one of its own inputs"));
     // A watched folder must not take the result up as a new movie.
     MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
     arguments << QStringLiteral("&>") << logFileURL << QStringLiteral("& echo $!");

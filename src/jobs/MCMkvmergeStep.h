@@ -15,6 +15,8 @@ public:
     static QString progressFromLine(const QString &line);
 
 protected:
+    // mkvmerge ends with 1 when it only warned; its output is fine then.
+    bool exitCodeMeansSuccess(int exitCode) const override { return exitCode <= 1; }
     // The preferences' save folder, else the folder of the given file.
     QUrl saveFolderBeside(const QUrl &file) const;
     // Runs mkvmerge with the arguments and the log tail; "error" and nothing

@@ -8,7 +8,6 @@ class MCReMuxMkvJob : public MCJob
     Q_OBJECT
 public:
     explicit MCReMuxMkvJob(QObject *parent = nullptr);
-    ~MCReMuxMkvJob() override;
 
     void startJob() override;
     // Every step keeps its row, "Complete" included; a tick without news
@@ -17,6 +16,4 @@ public:
 
     static void registerJobType();
 
-private:
-    bool remuxMonitorTick();
 };

@@ -85,3 +85,10 @@ inline QStringList filesIn(const QString &dir)
 {
     return QDir(dir).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
 }
+
+// Everything in a folder, hidden entries and folders included: a job's
+// private working folder among them while it runs.
+inline QStringList entriesIn(const QString &dir)
+{
+    return QDir(dir).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}

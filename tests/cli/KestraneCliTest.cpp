@@ -297,14 +297,14 @@ TEST_F(CliJobs, InterruptStopsTheConversionAndLeavesOnlyTheSource)
                           QStringLiteral("mpeg4-2pass"), QStringLiteral("--bitrate"), QStringLiteral("800"), QStringLiteral("--audio"),
                           QStringLiteral("mp3"), source});
     ASSERT_TRUE(cli.waitForStarted());
-    const bool running = testsupport::waitUntil([&] { return filesIn(work.path()).size() > 1; }, 60000);
+    const bool running = testsupport::waitUntil([&] { return entriesIn(work.path()).size() > 1; }, 60000);
     ASSERT_TRUE(running) << QString::fromUtf8(cli.readAllStandardError()).toStdString() << cli.arguments().join(' ').toStdString()
                          << testsupport::mediaInfo(source, QStringLiteral("Video"), QStringLiteral("BitRate")).toStdString();
     QThread::msleep(1500);
     ::kill(static_cast<pid_t>(cli.processId()), SIGINT);
     ASSERT_TRUE(cli.waitForFinished(60000));
     EXPECT_EQ(cli.exitCode(), 128 + SIGINT);
-    EXPECT_EQ(filesIn(work.path()), QStringList{QStringLiteral("long.mkv")});
+    EXPECT_EQ(entriesIn(work.path()), QStringList{QStringLiteral("long.mkv")});
     QString processes;
     testsupport::run(QStringLiteral("pgrep -af mencoder | grep -F '%1' | grep -v grep").arg(source), &processes);
     EXPECT_TRUE(processes.trimmed().isEmpty()) << processes.toStdString();

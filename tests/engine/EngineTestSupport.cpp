@@ -53,7 +53,36 @@ QString SleepStep::startConversionFor(const MCSelectionPtr &selection)
 
 QString SleepStep::monitorConversion()
 {
-    return processIsRunning(doShell_ID) ? QStringLiteral("Sleeping") : QStringLiteral("Complete");
+    return toolIsRunning() ? QStringLiteral("Sleeping") : QStringLiteral("Complete");
+}
+
+QStringList SleepStep::resultPaths() const
+{
+    return {};
+}
+
+ShellStep::ShellStep(QString script, QString outputName)
+    : m_script(std::move(script))
+    , m_outputName(std::move(outputName))
+{
+    stepName = QStringLiteral("Shell");
+}
+
+QString ShellStep::startConversionFor(const MCSelectionPtr &selection)
+{
+    initializeFor(selection);
+    outputFileURL = urlInSaveDirectory(m_outputName);
+    logFileURL = urlInSaveDirectory(m_outputName + QStringLiteral(".log"));
+    QString script = m_script;
+    script.replace(QStringLiteral("OUT"), doubleQuotedFormOf(outputFileURL.toLocalFile()));
+    return launchInBackground(QUrl::fromLocalFile(QStringLiteral("/bin/sh")),
+                              {QStringLiteral("-c"), singleQuotedFormOf(script), QStringLiteral("&>"), logFileURL,
+                               QStringLiteral("& echo $!")});
+}
+
+QString ShellStep::monitorConversion()
+{
+    return toolIsRunning() ? QStringLiteral("Working") : QStringLiteral("Complete");
 }
 
 ScriptedStep::ScriptedStep(QStringList words)
@@ -77,11 +106,6 @@ StepsJob::StepsJob(QObject *parent)
 {
 }
 
-StepsJob::~StepsJob()
-{
-    stopMonitorThread();
-}
-
 void StepsJob::startJob()
 {
     setStepConverterList(steps);
@@ -89,8 +113,7 @@ void StepsJob::startJob()
         if (step)
             startStep(step, true);
     }
-    addMonitorLoop([this] { return useStartMonitor ? startMonitorTick() : standardMonitorTick(); },
-                   [this] { jobDone(); });
+    addMonitorLoop(useStartMonitor ? MCMonitorPolicy::start() : MCMonitorPolicy::standard());
 }
 
 void StepsJob::startPass2SelectorFor(const MCConverterPtr &)

@@ -34,9 +34,24 @@ public:
     explicit SleepStep(QString seconds);
     QString startConversionFor(const MCSelectionPtr &selection) override;
     QString monitorConversion() override;
+    QStringList resultPaths() const override;
 
 private:
     QString m_seconds;
+};
+
+// A step running "sh -c SCRIPT" with OUT in the script standing for its
+// output file (named outputName in the save folder) and a log beside it.
+class ShellStep : public MCConverter
+{
+public:
+    ShellStep(QString script, QString outputName);
+    QString startConversionFor(const MCSelectionPtr &selection) override;
+    QString monitorConversion() override;
+
+private:
+    QString m_script;
+    QString m_outputName;
 };
 
 // A step that starts nothing and answers the given words in turn, then
@@ -58,7 +73,6 @@ class StepsJob : public MCJob
     Q_OBJECT
 public:
     explicit StepsJob(QObject *parent = nullptr);
-    ~StepsJob() override;
 
     QList<MCConverterPtr> steps;
     bool useStartMonitor = false;

@@ -78,11 +78,13 @@ TEST_F(MencoderOptions, PassthruVideoKeepsTheEncoderOptionsAsOptions)
 TEST_F(MencoderOptions, TwoPassesShareEverythingButThePassOptions)
 {
     selection->userPassNumber = QStringLiteral("2");
+    // The statistics live in the job's own folder, never in a shared place.
+    step.stagingFolder = QStringLiteral("/save/.kestrane-job-1 a");
     const QString first = command(1);
     const QString second = command(2);
     EXPECT_EQ(step.currentPass, 1);
-    EXPECT_TRUE(first.contains(QStringLiteral("vbitrate=900:vpass=1:turbo -passlogfile /tmp/passLogFile.log -oac mp3lame")));
-    EXPECT_TRUE(second.contains(QStringLiteral("vbitrate=900:vpass=2 -passlogfile /tmp/passLogFile.log -oac mp3lame")));
+    EXPECT_TRUE(first.contains(QStringLiteral("vbitrate=900:vpass=1:turbo -passlogfile \"/save/.kestrane-job-1 a/passLogFile.log\" -oac mp3lame")));
+    EXPECT_TRUE(second.contains(QStringLiteral("vbitrate=900:vpass=2 -passlogfile \"/save/.kestrane-job-1 a/passLogFile.log\" -oac mp3lame")));
     QString firstWithoutPass = first;
     EXPECT_EQ(firstWithoutPass.replace(QStringLiteral("vpass=1:turbo"), QStringLiteral("vpass=2")), second);
 }

@@ -23,11 +23,15 @@ protected:
         return made;
     }
 
-    void runThroughQueue(const MCSelectionPtr &selection)
+    // Runs the job to its end; answers its failure reason ("" when it completed).
+    QString runThroughQueue(const MCSelectionPtr &selection)
     {
         queue.addToQueue(selection);
         MCJob *job = queue.qJobList().last();
-        EXPECT_TRUE(testsupport::waitUntil([job] { return job->jobStatus() == u"Completed"_s; }, 120000));
+        EXPECT_TRUE(testsupport::waitUntil(
+            [job] { return job->jobStatus() == u"Completed"_s || job->jobStatus() == u"Failed"_s; }, 120000));
+        EXPECT_EQ(job->jobStatus() == u"Failed"_s, job->hasFailed());
+        return job->failureReason();
     }
 
     // Runs a monitor of a job over a scripted step (after a "none" entry); answers the ticks.
@@ -53,14 +57,17 @@ TEST_F(EditAviJobTest, JoinsEveryFileAndWarnsOfAnotherSize)
 {
     const auto alerts = testsupport::recordAlerts();
     const QString second = xvidAvi(u"second.avi"_s, u"160x120"_s, 3);
-    runThroughQueue(selection(u"AVI Joining"_s, {clip, second, clip}));
+    EXPECT_EQ(runThroughQueue(selection(u"AVI Joining"_s, {clip, second, clip})), QString());
     EXPECT_NEAR(durationSeconds(savedPath(u"clip.avi.joined.avi"_s)), 9.0, 1.0);
     EXPECT_TRUE(alerts->alerts.isEmpty());
 
-    // MEncoder itself refuses to copy pictures of another size into one file;
-    // the warning is what tells the user, and the job still ends.
+    // MEncoder itself refuses to copy pictures of another size into one file:
+    // the warning comes first, and the job fails with MEncoder's reason
+    // instead of leaving the first file's part as the join.
     const QString larger = xvidAvi(u"larger.avi"_s, u"320x240"_s, 3);
-    runThroughQueue(selection(u"AVI Joining"_s, {second, larger, clip}));
+    EXPECT_TRUE(runThroughQueue(selection(u"AVI Joining"_s, {second, larger, clip}))
+                    .contains(u"All video files must have identical fps, resolution, and codec"_s));
+    EXPECT_TRUE(saved(u"second.avi.joined.avi"_s).isEmpty());
     ASSERT_EQ(alerts->alerts.size(), 1);
     EXPECT_EQ(alerts->alerts.at(0).informativeText, u"Video Resolution"_s);
     EXPECT_EQ(alerts->alerts.at(0).style, MCAlert::Style::Warning);
@@ -76,7 +83,7 @@ TEST_F(EditAviJobTest, SplitsByTimeAndBySize)
     split->splitType = u"time"_s;
     split->splitStartTimeText = u"00:00:02"_s;
     split->splitEndTimeText = u"00:00:06"_s;
-    runThroughQueue(split);
+    EXPECT_EQ(runThroughQueue(split), QString());
     const QStringList timed = saved(u"ten.avi.split*.avi"_s);
     ASSERT_EQ(timed.size(), 1);
     EXPECT_NEAR(durationSeconds(savedPath(timed.at(0))), 4.0, 1.0);
@@ -85,15 +92,17 @@ TEST_F(EditAviJobTest, SplitsByTimeAndBySize)
     split->splitType = u"size"_s;
     split->splitSize = u"1"_s;
     split->splitNumber = u"2"_s; // the first two pieces only
-    runThroughQueue(split);
+    EXPECT_EQ(runThroughQueue(split), QString());
     EXPECT_EQ(saved(u"ten.avi.split*.avi"_s).size(), 2) << QFileInfo(longer).size() << " bytes";
 
-    // What avisplit does not serve starts nothing and leaves the source alone.
+    // What avisplit does not serve starts nothing, fails the job and leaves
+    // the source alone.
     const QByteArray sum = md5Of(longer);
     for (const QString &size : {u"0"_s, u"1"_s}) {
         split->splitType = size == u"0"_s ? u"size"_s : u"duration"_s;
         split->splitSize = size;
-        runThroughQueue(split);
+        EXPECT_TRUE(runThroughQueue(split).contains(size == u"0"_s ? u"split values cannot be used"_s
+                                                                     : u"not by \"duration\""_s));
     }
     EXPECT_EQ(saved(u"ten.avi.split*"_s).size(), 2);
     EXPECT_EQ(md5Of(longer), sum);

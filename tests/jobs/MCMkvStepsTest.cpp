@@ -1,4 +1,5 @@
 #include "EditingTestSupport.h"
+#include "MCMediaSummary.h"
 #include "MCMkvEditor.h"
 #include "MCMkvMuxer.h"
 #include "MCReMuxMkvJob.h"
@@ -129,13 +130,15 @@ TEST_F(MkvStepsTest, JoinAppendsEveryFileWarnsOfMismatchesAndNeverWritesOverAnIn
     EXPECT_EQ(alerts->alerts.at(0).informativeText, u"Track Count, Track Types, Track Codecs"_s);
     EXPECT_EQ(saved(u"mpeg4.mkv.joined.*"_s), QStringList{u"mpeg4.mkv.joined.log"_s});
 
-    // An earlier result joined again beside its sources would be its own output.
+    // An earlier result joined again beside its sources has the new result's
+    // name: it is read, never written, and the new join takes a free name.
     prefs.preferences->saveDirectoryURL = QUrl();
     const QString earlier = second + u".joined.mkv"_s;
     QFile::copy(source, earlier);
     selection->editFilesURLsList = {QUrl::fromLocalFile(second), QUrl::fromLocalFile(earlier)};
-    EXPECT_EQ(runStep(std::make_shared<MCMkvEditor>(), selection), u"error"_s);
+    runStep(std::make_shared<MCMkvEditor>(), selection);
     EXPECT_EQ(md5Of(earlier), md5Of(source));
+    EXPECT_NEAR(MCMediaSummary::of(second + u".joined (2).mkv"_s).durationSeconds, 20.0, 1.0);
 }
 
 TEST_F(MkvStepsTest, RemuxJobSwitchesHeaderRemovalOff)

@@ -1,0 +1,94 @@
+#include "MCJobStaging.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kMaxNumberedNames = 9999;
+
+// rename that fails instead of replacing an existing file.
+int renameNoReplace(const QByteArray &from, const QByteArray &to)
+{
+#ifdef SYS_renameat2
+    const long result = syscall(SYS_renameat2, AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), 1 /*RENAME_NOREPLACE*/);
+    if (result == 0 || (errno != ENOSYS && errno != EINVAL))
+        return static_cast<int>(result);
+#endif
+    // File systems without the flag: a hard link fails on an existing name too.
+    if (::link(from.constData(), to.constData()) != 0)
+        return -1;
+    ::unlink(from.constData());
+    return 0;
+}
+
+} // namespace
+
+MCJobStaging::~MCJobStaging()
+{
+    remove();
+}
+
+QString MCJobStaging::folderPrefix()
+{
+    return QStringLiteral(".kestrane-job-");
+}
+
+bool MCJobStaging::create(const QString &saveFolder)
+{
+    m_errorText.clear();
+    m_saveFolder = QDir(saveFolder).absolutePath();
+    QByteArray pattern = QFile::encodeName(QDir(m_saveFolder).filePath(folderPrefix() + QStringLiteral("XXXXXX")));
+    if (::mkdtemp(pattern.data()) == nullptr) {
+        m_errorText = QString::fromLocal8Bit(std::strerror(errno));
+        return false;
+    }
+    m_path = QFile::decodeName(pattern);
+    return true;
+}
+
+bool MCJobStaging::contains(const QString &file) const
+{
+    return exists() && QFileInfo(file).absolutePath() == m_path;
+}
+
+QString MCJobStaging::numberedName(const QString &fileName, int number)
+{
+    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
+    if (dot <= 0)
+        return QStringLiteral("%1 (%2)").arg(fileName).arg(number);
+    return QStringLiteral("%1 (%2)%3").arg(fileName.left(dot)).arg(number).arg(fileName.mid(dot));
+}
+
+QString MCJobStaging::publish(const QString &file)
+{
+    const QString name = QFileInfo(file).fileName();
+    const QByteArray from = QFile::encodeName(file);
+    for (int number = 1; number <= kMaxNumberedNames; ++number) {
+        const QString target = QDir(m_saveFolder).filePath(number == 1 ? name : numberedName(name, number));
+        if (renameNoReplace(from, QFile::encodeName(target)) == 0)
+            return target;
+        if (errno != EEXIST) {
+            m_errorText = QString::fromLocal8Bit(std::strerror(errno));
+            return {};
+        }
+    }
+    m_errorText = QStringLiteral("no free name for %1").arg(name);
+    return {};
+}
+
+void MCJobStaging::remove()
+{
+    if (m_path.isEmpty())
+        return;
+    QDir(m_path).removeRecursively();
+    m_path.clear();
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// A job's private folder inside its save folder. Tools write their outputs
+// and logs there, where no other program (and no second Kestrane) expects a
+// file, so a name can never meet a user's file, a planted link or another
+// run's output. Results leave it by rename only when they are complete,
+// under a name that is free at that moment: nothing is ever overwritten.
+class MCJobStaging
+{
+public:
+    MCJobStaging() = default;
+    ~MCJobStaging();
+    MCJobStaging(const MCJobStaging &) = delete;
+    MCJobStaging &operator=(const MCJobStaging &) = delete;
+
+    // Creates the folder (mode 0700) in saveFolder; false with errorText.
+    bool create(const QString &saveFolder);
+    bool exists() const { return !m_path.isEmpty(); }
+    QString path() const { return m_path; }
+    QString saveFolder() const { return m_saveFolder; }
+    QString errorText() const { return m_errorText; }
+    bool contains(const QString &file) const;
+
+    // Moves a file of the folder into the save folder under its own name,
+    // or "NAME (2).EXT", "NAME (3).EXT", ... when that is taken. Answers the
+    // final path, or "" (errorText set) when it could not be moved.
+    QString publish(const QString &file);
+    // Removes the folder and all it holds.
+    void remove();
+
+    // The name a published file takes when wanted is taken: "movie.mkv.avi"
+    // gives "movie.mkv (2).avi".
+    static QString numberedName(const QString &fileName, int number);
+    // Prefix of every staging folder, for finding those a crash left.
+    static QString folderPrefix();
+
+private:
+    QString m_path;
+    QString m_saveFolder;
+    QString m_errorText;
+};
