@@ -3,6 +3,8 @@
 #include "MCLog.h"
 #include "MCVideoFile.h"
 
+#include <QHash>
+
 namespace {
 
 QString flagText(bool flag)
@@ -92,7 +94,22 @@ MCSelection::MCSelection(const MCSelection &other)
 
 std::shared_ptr<MCSelection> MCSelection::copy() const
 {
-    return std::make_shared<MCSelection>(*this);
+    auto copied = std::make_shared<MCSelection>(*this);
+    QHash<const MCVideoTrack *, MCVideoTrackPtr> clones;
+    const auto cloneAll = [&clones](MCTrackList &tracks) {
+        for (MCVideoTrackPtr &track : tracks) {
+            if (!track)
+                continue;
+            MCVideoTrackPtr &clone = clones[track.get()];
+            if (!clone)
+                clone = std::make_shared<MCVideoTrack>(*track);
+            track = clone;
+        }
+    };
+    cloneAll(copied->trackList);
+    cloneAll(copied->addedAudioTrackList);
+    cloneAll(copied->keepTracksList);
+    return copied;
 }
 
 void MCSelection::initialize()

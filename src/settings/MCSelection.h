@@ -30,6 +30,10 @@ public:
     MCSelection &operator=(const MCSelection &) = delete;
     ~MCSelection() = default;
 
+    // The record a job keeps: every track is copied too (a track that stands
+    // in several lists stays one track), so nothing the window or the rules
+    // change later reaches a queued job, and a job never writes into the
+    // window's tracks.
     std::shared_ptr<MCSelection> copy() const;
 
     QString mp4Muxer;

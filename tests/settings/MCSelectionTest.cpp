@@ -126,11 +126,21 @@ TEST(MCSelectionTest, CopySharesTracksButNotListsOrEncoderChoice)
     ASSERT_EQ(queued->addedAudioTrackList.size(), 1);
     ASSERT_EQ(queued->keepTracksList.size(), 1);
 
-    // The same track objects: a change through one record shows in the other.
-    EXPECT_EQ(queued->trackList.at(1).get(), live.trackList.at(1).get());
-    EXPECT_EQ(queued->addedAudioTrackList.at(0).get(), live.addedAudioTrackList.at(0).get());
+    // Tracks of their own: the rules writing a later choice into the live
+    // tracks (queue with MP3, switch to passthru, queue again) leave the
+    // queued job's choice alone, and nothing a job does reaches the window.
+    EXPECT_NE(queued->trackList.at(1).get(), live.trackList.at(1).get());
     live.trackList.at(1)->userCodec = QStringLiteral("mp3");
-    EXPECT_EQ(queued->trackList.at(1)->userCodec, QStringLiteral("mp3"));
+    const MCSelectionPtr second = live.copy();
+    live.trackList.at(1)->userCodec = QStringLiteral("passthru");
+    EXPECT_EQ(second->trackList.at(1)->userCodec, QStringLiteral("mp3"));
+    second->trackList.at(1)->wasReEncoded = true;
+    EXPECT_FALSE(live.trackList.at(1)->wasReEncoded);
+    // A track standing in two lists stays one track in the copy.
+    live.keepTracksList.append(live.trackList.at(0));
+    const MCSelectionPtr shared = live.copy();
+    EXPECT_EQ(shared->keepTracksList.constLast().get(), shared->trackList.at(0).get());
+    live.keepTracksList.removeLast();
 
     // But separate lists and values: later edits of the live record stay there.
     live.trackList.removeFirst();
