@@ -1,0 +1,59 @@
+#pragma once
+
+#include "AvHandles.h"
+#include "OutputFile.h"
+
+#include <string>
+#include <vector>
+
+namespace mediatool {
+
+// One media file written by stream copy in any format libavformat writes.
+// Packets arrive with their source's time base and are interleaved by the
+// muxer. Nothing appears under the name until commit().
+class StreamWriter
+{
+public:
+    StreamWriter(const std::string &path, const char *format);
+    StreamWriter(const StreamWriter &) = delete;
+    StreamWriter &operator=(const StreamWriter &) = delete;
+    virtual ~StreamWriter();
+
+    // Adds a stream with `parameters`, timed in `timeBase`; answers its index.
+    int addStream(const AVCodecParameters *parameters, AVRational timeBase);
+    // Adds a stream with the parameters, rates, aspect, disposition and tags
+    // of `source`.
+    virtual int addStreamLike(const AVStream *source);
+    AVStream *stream(int index) const { return context->streams[index]; }
+    void copyFileTagsFrom(const AVFormatContext *source);
+    // `options` are the muxer's private options; any it does not take is an error.
+    void writeHeader(const AVDictionary *options = nullptr);
+    // Writes `packet` (timestamps in `sourceTimeBase`) to stream `index`. The
+    // packet is consumed. Timestamps that would run backwards are lifted.
+    void write(AVPacket *packet, int index, AVRational sourceTimeBase);
+    // Finishes the file; then it may be committed.
+    void writeTrailer();
+    void commit() { output.commit(); }
+    void withdraw() noexcept { output.withdraw(); }
+
+    const std::string &path() const { return output.path(); }
+    // Bytes in the file (after writeTrailer(): its final size).
+    int64_t fileBytes() { return output.size(); }
+    int64_t packetsWritten() const { return packetCount; }
+
+protected:
+    // True when a stream may start before zero (the muxer then writes an
+    // edit list); otherwise the first packet is lifted to zero.
+    virtual bool keepsNegativeStart() const { return false; }
+
+    OutputFile output;
+    AVFormatContext *context = nullptr;
+
+private:
+    std::vector<int64_t> lastDts;
+    int64_t packetCount = 0;
+    bool headerWritten = false;
+    bool trailerWritten = false;
+};
+
+} // namespace mediatool
