@@ -41,15 +41,15 @@ std::size_t intervalOf(const PacketEntry &entry, const KeyFrames &keys, int vide
 } // namespace
 
 SizePlan planBySize(const std::vector<PacketEntry> &entries, int videoStream, int64_t maxBytes, int maxPieces,
-                    int streamCount)
+                    int streamCount, const ContainerCosts &costs)
 {
     const KeyFrames keys = keyFramesOf(entries, videoStream);
     const std::size_t intervals = keys.timestamps.size();
     std::vector<int64_t> cost(intervals, 0);
     for (const PacketEntry &entry : entries)
-        cost[intervalOf(entry, keys, videoStream)] += aviPacketCost(entry.size);
+        cost[intervalOf(entry, keys, videoStream)] += costs.packetCost(entry.size);
 
-    const int64_t header = kAviHeaderBytes + kAviHeaderBytesPerStream * streamCount;
+    const int64_t header = costs.headerBytes + costs.headerBytesPerStream * streamCount;
     SizePlan plan;
     std::size_t first = 0;
     while (first < intervals) {
