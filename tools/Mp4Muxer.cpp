@@ -111,6 +111,9 @@ void planImports(std::vector<PlannedTrack> &plan, const Mp4BoxCommand &command, 
             throw ToolError(import.trackId > 0 ? import.file + " has no track " + std::to_string(import.trackId)
                                                : import.file + " has no video, audio or subtitle track");
         for (const int stream : streams) {
+            if (!isMediaStream(source.file()->streams[stream]))
+                throw ToolError("track " + std::to_string(import.trackId) + " of " + import.file
+                                + " is neither video, audio nor subtitles");
             PlannedTrack track{&source, stream, labelOf(import)};
             if (import.pixelAspect && isVideo(track))
                 track.label.pixelAspect = aspectOf(*import.pixelAspect);

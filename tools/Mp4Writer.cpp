@@ -21,13 +21,8 @@ int Mp4Writer::addTrack(const AVCodecParameters *parameters, AVRational timeBase
                         + (av_get_media_type_string(parameters->codec_type) ? av_get_media_type_string(parameters->codec_type) : "data"));
     const int index = addStream(parameters, timeBase);
     AVStream *track = stream(index);
-    if (source) {
-        track->avg_frame_rate = source->avg_frame_rate;
-        track->r_frame_rate = source->r_frame_rate;
-        track->sample_aspect_ratio = source->sample_aspect_ratio;
-        track->disposition = source->disposition;
-        av_dict_copy(&track->metadata, source->metadata, 0);
-    }
+    if (source)
+        adoptTraits(index, source);
     if (!label.language.empty())
         av_dict_set(&track->metadata, "language", label.language.c_str(), 0);
     if (label.title) {

@@ -17,8 +17,10 @@ bool holdsIdrPicture(const uint8_t *data, int size)
 {
     for (int i = 0; i + 3 < size; ++i) {
         if (data[i] == 0 && data[i + 1] == 0 && data[i + 2] == 1) {
-            if ((data[i + 3] & 0x1f) == 5)
-                return true;
+            const int type = data[i + 3] & 0x1f;
+            // The first slice tells; the picture data after it need not be searched.
+            if (type >= 1 && type <= 5)
+                return type == 5;
             i += 2;
         }
     }

@@ -13,6 +13,8 @@ StreamWriter::StreamWriter(const std::string &path, const char *format)
             std::string("cannot prepare a writer for ") + format);
     context->pb = output.io();
     context->flags |= AVFMT_FLAG_CUSTOM_IO;
+    // Written in large blocks, not one system call per packet.
+    context->flush_packets = 0;
 }
 
 StreamWriter::~StreamWriter()
@@ -41,13 +43,23 @@ int StreamWriter::addStream(const AVCodecParameters *parameters, AVRational time
 int StreamWriter::addStreamLike(const AVStream *source)
 {
     const int index = addStream(source->codecpar, source->time_base);
+    adoptTraits(index, source);
+    return index;
+}
+
+void StreamWriter::adoptTraits(int index, const AVStream *source)
+{
     AVStream *stream = context->streams[index];
     stream->avg_frame_rate = source->avg_frame_rate;
     stream->r_frame_rate = source->r_frame_rate;
-    stream->sample_aspect_ratio = source->sample_aspect_ratio;
+    // The container's pixel aspect wins over the bitstream's, as when
+    // ffmpeg copies; the muxers refuse two different ones.
+    if (source->sample_aspect_ratio.num > 0) {
+        stream->sample_aspect_ratio = source->sample_aspect_ratio;
+        stream->codecpar->sample_aspect_ratio = source->sample_aspect_ratio;
+    }
     stream->disposition = source->disposition;
     av_dict_copy(&stream->metadata, source->metadata, 0);
-    return index;
 }
 
 void StreamWriter::copyFileTagsFrom(const AVFormatContext *source)
@@ -90,7 +102,9 @@ void StreamWriter::write(AVPacket *packet, int index, AVRational sourceTimeBase)
         last = packet->dts;
     }
     ++packetCount;
-    checkAv(av_interleaved_write_frame(context, packet), "cannot write " + output.path());
+    const int written = av_interleaved_write_frame(context, packet);
+    if (written < 0)
+        throw ToolError("cannot write " + output.path() + ": " + avErrorText(written));
 }
 
 void StreamWriter::writeTrailer()

@@ -42,6 +42,8 @@ public:
     int64_t packetsWritten() const { return packetCount; }
 
 protected:
+    // Gives stream `index` the rates, pixel aspect, disposition and tags of `source`.
+    void adoptTraits(int index, const AVStream *source);
     // True when a stream may start before zero (the muxer then writes an
     // edit list); otherwise the first packet is lifted to zero.
     virtual bool keepsNegativeStart() const { return false; }
