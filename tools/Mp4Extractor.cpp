@@ -1,6 +1,5 @@
 #include "Mp4Extractor.h"
 
-#include "Interruption.h"
 #include "Mp4Muxer.h"
 #include "Mp4Names.h"
 #include "Mp4Progress.h"
@@ -68,9 +67,7 @@ std::unique_ptr<StreamWriter> extract(const std::string &file, const Extraction 
     router.route(pipeline, writer->addStream(pipeline.parameters(), pipeline.timeBase()));
     writer->writeHeader();
     router.copyAll({&source});
-    writer->writeTrailer();
-    throwIfInterrupted();
-    writer->commit();
+    writer->complete();
     progress.finish();
     return writer;
 }
@@ -100,15 +97,10 @@ RawStorage rawStorageFor(AVCodecID codec)
 int runMp4Extract(const Mp4BoxCommand &command)
 {
     checkTemporaryFolder(command);
-    std::vector<std::unique_ptr<StreamWriter>> written;
-    try {
-        for (const Extraction &extraction : command.extractions)
-            written.push_back(extract(command.file, extraction));
-    } catch (...) {
-        for (auto &file : written)
-            file->withdraw();
-        throw;
-    }
+    CompletedFiles written;
+    for (const Extraction &extraction : command.extractions)
+        written.add(extract(command.file, extraction));
+    written.keep();
     return 0;
 }
 

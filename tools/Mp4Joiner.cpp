@@ -1,6 +1,5 @@
 #include "Mp4Joiner.h"
 
-#include "Interruption.h"
 #include "Mp4Muxer.h"
 #include "Mp4Progress.h"
 #include "Mp4Source.h"
@@ -138,9 +137,7 @@ int runMp4Join(const Mp4BoxCommand &command)
         std::fflush(stdout);
         router.copyAll({sources[i].get()}, offsetUs);
     }
-    writer.writeTrailer();
-    throwIfInterrupted();
-    writer.commit();
+    writer.complete();
     progress.finish();
     std::printf("Saved %s: %zu files joined, %.1f MB\n", command.file.c_str(), sources.size(), writer.fileBytes() / 1e6);
     return 0;

@@ -1,6 +1,5 @@
 #include "Mp4Muxer.h"
 
-#include "Interruption.h"
 #include "Mp4Progress.h"
 #include "Mp4Source.h"
 #include "PacketRouter.h"
@@ -208,9 +207,7 @@ int runMp4Mux(const Mp4BoxCommand &command)
 
     writer.writeHeader();
     router.copyAll(sources.all());
-    writer.writeTrailer();
-    throwIfInterrupted();
-    writer.commit();
+    writer.complete();
     progress.finish();
     std::printf("Saved %s: %zu track(s), %.1f MB\n", command.file.c_str(), plan.size(), writer.fileBytes() / 1e6);
     return 0;

@@ -24,15 +24,8 @@ std::vector<PacketEntry> indexEntries(AVFormatContext *input)
 {
     std::vector<PacketEntry> entries;
     for (unsigned i = 0; i < input->nb_streams; ++i) {
-        AVStream *stream = input->streams[i];
-        if (!isMediaStream(stream))
-            continue;
-        const int count = avformat_index_get_entries_count(stream);
-        for (int n = 0; n < count; ++n) {
-            const AVIndexEntry *entry = avformat_index_get_entry(stream, n);
-            entries.push_back({static_cast<int>(i), entry->timestamp, toMicroseconds(entry->timestamp, stream->time_base),
-                               entry->size, (entry->flags & AVINDEX_KEYFRAME) != 0});
-        }
+        if (isMediaStream(input->streams[i]))
+            addIndexEntries(input->streams[i], static_cast<int>(i), entries);
     }
     return entries;
 }
@@ -74,9 +67,7 @@ public:
         }
         if (result < 0 && result != AVERROR_EOF)
             throw ToolError("cannot read " + pathOf(input) + ": " + avErrorText(result));
-        writer->writeTrailer();
-        throwIfInterrupted();
-        writer->commit();
+        writer->complete();
         progress.finish();
         return std::move(writer);
     }
@@ -246,18 +237,13 @@ int runMp4Split(const Mp4BoxCommand &command)
     std::printf("Splitting %s into %zu piece(s)\n", command.file.c_str(), pieces.size());
     std::fflush(stdout);
 
-    std::vector<std::unique_ptr<Mp4Writer>> written;
-    try {
-        for (const PiecePlan &piece : pieces) {
-            written.push_back(PieceWriter(input, video, piece, keyDelay, layoutOf(command)).write());
-            std::printf("Wrote %s (%.1f MB)\n", piece.path.c_str(), written.back()->fileBytes() / 1e6);
-        }
-    } catch (...) {
-        // A failed split takes back the pieces it had finished.
-        for (auto &piece : written)
-            piece->withdraw();
-        throw;
+    CompletedFiles written;
+    for (const PiecePlan &piece : pieces) {
+        std::unique_ptr<Mp4Writer> file = PieceWriter(input, video, piece, keyDelay, layoutOf(command)).write();
+        std::printf("Wrote %s (%.1f MB)\n", piece.path.c_str(), file->fileBytes() / 1e6);
+        written.add(std::move(file));
     }
+    written.keep();
     return 0;
 }
 

@@ -40,6 +40,17 @@ std::size_t intervalOf(const PacketEntry &entry, const KeyFrames &keys, int vide
 
 } // namespace
 
+int addIndexEntries(AVStream *stream, int index, std::vector<PacketEntry> &entries)
+{
+    const int count = avformat_index_get_entries_count(stream);
+    for (int n = 0; n < count; ++n) {
+        const AVIndexEntry *entry = avformat_index_get_entry(stream, n);
+        entries.push_back({index, entry->timestamp, toMicroseconds(entry->timestamp, stream->time_base), entry->size,
+                           (entry->flags & AVINDEX_KEYFRAME) != 0});
+    }
+    return count;
+}
+
 SizePlan planBySize(const std::vector<PacketEntry> &entries, int videoStream, int64_t maxBytes, int maxPieces,
                     int streamCount, const ContainerCosts &costs)
 {

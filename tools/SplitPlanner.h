@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+struct AVStream;
+
 namespace mediatool {
 
 // What the planner knows of one stored packet.
@@ -32,6 +34,10 @@ struct PiecePlan
     int64_t endUs = kOpenEnd;
     int64_t plannedBytes = 0;
 };
+
+// Adds the packets the demuxer's index lists for `stream` (number `index`
+// of its file) to `entries`; answers how many it listed.
+int addIndexEntries(AVStream *stream, int index, std::vector<PacketEntry> &entries);
 
 // Estimated bytes a container spends on its headers and on one packet.
 struct ContainerCosts

@@ -1,5 +1,6 @@
 #include "StreamWriter.h"
 
+#include "Interruption.h"
 #include "ToolError.h"
 
 #include <limits>
@@ -111,6 +112,13 @@ void StreamWriter::writeTrailer()
 {
     trailerWritten = true;
     checkAv(av_write_trailer(context), "cannot finish " + output.path());
+}
+
+void StreamWriter::complete()
+{
+    writeTrailer();
+    throwIfInterrupted();
+    commit();
 }
 
 } // namespace mediatool

@@ -3,6 +3,7 @@
 #include "AvHandles.h"
 #include "OutputFile.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,8 @@ public:
     void write(AVPacket *packet, int index, AVRational sourceTimeBase);
     // Finishes the file; then it may be committed.
     void writeTrailer();
+    // Finishes the file and gives it its name, unless a stop signal came.
+    void complete();
     void commit() { output.commit(); }
     void withdraw() noexcept { output.withdraw(); }
 
@@ -56,6 +59,30 @@ private:
     int64_t packetCount = 0;
     bool headerWritten = false;
     bool trailerWritten = false;
+};
+
+// The files a run has completed. Unless the run keeps them, they are taken
+// back when it fails, so a failed run leaves nothing.
+class CompletedFiles
+{
+public:
+    CompletedFiles() = default;
+    CompletedFiles(const CompletedFiles &) = delete;
+    CompletedFiles &operator=(const CompletedFiles &) = delete;
+    ~CompletedFiles()
+    {
+        if (!kept) {
+            for (auto &file : files)
+                file->withdraw();
+        }
+    }
+
+    void add(std::unique_ptr<StreamWriter> file) { files.push_back(std::move(file)); }
+    void keep() { kept = true; }
+
+private:
+    std::vector<std::unique_ptr<StreamWriter>> files;
+    bool kept = false;
 };
 
 } // namespace mediatool

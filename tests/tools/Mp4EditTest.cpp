@@ -1,19 +1,13 @@
-#include "StandInSupport.h"
-
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "Mp4BoxTestSupport.h"
 
 namespace {
 
-const QString kMp4Box = QStringLiteral("mp4boxUpdated/MP4box");
+using namespace mp4boxtest;
 
-int videoPackets(const QString &path)
+// The join the MP4 editing job composes.
+int join(const QString &first, const QString &second, const QString &output, QString *log)
 {
-    QString output;
-    testsupport::run(QStringLiteral("ffprobe -v error -select_streams v -count_packets -show_entries stream=nb_read_packets "
-                                    "-of csv=p=0 '%1'").arg(path), &output);
-    return output.trimmed().toInt();
+    return mp4box(QStringLiteral("-cat \"%1\" -cat \"%2\" -isma -inter 500 -new \"%3\"").arg(first, second, output), log);
 }
 
 QString subtitleText(const QString &path)
@@ -25,13 +19,13 @@ QString subtitleText(const QString &path)
 // MP4 files as Kestrane's MP4 editing gets them: two parts of one
 // recording, a file of another picture size, one with a timecode track, a
 // ten-second film at 2 Mbit/s with a key frame every second and B-frames.
-class Mp4EditTest : public ::testing::Test
+class Mp4EditTest : public Mp4BoxSuite
 {
 protected:
-    static void SetUpTestSuite()
+    static void SetUpTestSuite() { makeMedia(make); }
+
+    static void make(const QString &dir)
     {
-        media = new QTemporaryDir;
-        const QString dir = media->path();
         QFile srt(dir + QStringLiteral("/subs.srt"));
         if (srt.open(QIODevice::WriteOnly))
             srt.write("1\n00:00:00,500 --> 00:00:01,500\nHello\n\n2\n00:00:02,000 --> 00:00:02,800\nWorld\n");
@@ -52,46 +46,8 @@ protected:
                             QStringLiteral("-f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=r=48000 -f lavfi -i sine=r=48000 "
                                            "-i '%1/subs.srt' -map 0 -map 1 -map 2 -map 3 -t 3 -c:v libx264 -bf 2 -c:a:0 aac "
                                            "-ac:a:1 6 -c:a:1 ac3 -c:s mov_text").arg(dir));
-        for (const QString &name : standin::filesIn(dir))
-            sums->insert(name, standin::checksum(dir + QLatin1Char('/') + name));
     }
-    static void TearDownTestSuite()
-    {
-        delete media;
-        sums->clear();
-    }
-    void TearDown() override
-    {
-        for (auto it = sums->cbegin(); it != sums->cend(); ++it)
-            EXPECT_EQ(standin::checksum(source(it.key())), it.value()) << it.key().toStdString() << " was changed";
-    }
-
-    static QString source(const QString &name) { return media->path() + QLatin1Char('/') + name; }
-    QString target(const QString &name) const { return out.path() + QLatin1Char('/') + name; }
-    // A copy in this test's folder, for the commands that write beside their input.
-    QString copied(const QString &name, const QString &as = {}) const
-    {
-        const QString copy = target(as.isEmpty() ? name : as);
-        QFile::copy(source(name), copy);
-        return copy;
-    }
-
-    int mp4box(const QString &arguments, QString *log = nullptr)
-    {
-        QString output;
-        const int status = standin::runTool(kMp4Box, arguments, &output);
-        if (log)
-            *log = output;
-        return status;
-    }
-
-    QTemporaryDir out;
-    static QTemporaryDir *media;
-    static QHash<QString, QByteArray> *sums;
 };
-
-QTemporaryDir *Mp4EditTest::media = nullptr;
-QHash<QString, QByteArray> *Mp4EditTest::sums = new QHash<QString, QByteArray>;
 
 } // namespace
 
@@ -99,46 +55,33 @@ TEST_F(Mp4EditTest, JoinPutsTheFilesOneAfterTheOther)
 {
     const QString joined = target(QStringLiteral("part1.mp4.joined.mp4"));
     QString log;
-    ASSERT_EQ(mp4box(QStringLiteral("-cat \"%1\" -cat \"%2\" -isma -inter 500 -new \"%3\"")
-                         .arg(source(QStringLiteral("part1.mp4")), source(QStringLiteral("part2.mp4")), joined),
-                     &log),
-              0)
-        << log.toStdString();
+    ASSERT_EQ(join(source(QStringLiteral("part1.mp4")), source(QStringLiteral("part2.mp4")), joined, &log), 0) << log.toStdString();
     EXPECT_EQ(videoPackets(joined), 125);
     EXPECT_NEAR(standin::seconds(joined, QStringLiteral("Video")), 5.0, 0.05);
     EXPECT_NEAR(standin::seconds(joined, QStringLiteral("Audio")), 5.0, 0.1);
     EXPECT_EQ(testsupport::mediaInfo(joined, QStringLiteral("General"), QStringLiteral("IsStreamable")), QStringLiteral("Yes"));
-    QString errors;
-    EXPECT_EQ(testsupport::run(QStringLiteral("ffmpeg -nostdin -v error -i '%1' -f null - 2>&1").arg(joined), &errors), 0);
-    EXPECT_TRUE(errors.trimmed().isEmpty()) << errors.toStdString();
+    EXPECT_TRUE(decodesCleanly(joined));
 }
 
 TEST_F(Mp4EditTest, JoinThatCannotWorkSaysBadParameterAndCleanedCopiesJoin)
 {
     const QString joined = target(QStringLiteral("part1.mp4.joined.mp4"));
     QString log;
-    EXPECT_NE(mp4box(QStringLiteral("-cat \"%1\" -cat \"%2\" -isma -inter 500 -new \"%3\"")
-                         .arg(source(QStringLiteral("part1.mp4")), source(QStringLiteral("small.mp4")), joined),
-                     &log),
-              0);
+    EXPECT_NE(join(source(QStringLiteral("part1.mp4")), source(QStringLiteral("small.mp4")), joined, &log), 0);
     EXPECT_TRUE(log.contains(QStringLiteral("Bad Parameter"))) << log.toStdString();
     EXPECT_TRUE(log.contains(QStringLiteral("160x120"))) << log.toStdString();
     EXPECT_TRUE(standin::filesIn(out.path()).isEmpty());
 
     // A timecode track stops the join; re-adding the file to a new one (the
     // job's retry) leaves it behind, and the copies join.
-    EXPECT_NE(mp4box(QStringLiteral("-cat \"%1\" -cat \"%2\" -isma -inter 500 -new \"%3\"")
-                         .arg(source(QStringLiteral("part1.mp4")), source(QStringLiteral("timecoded.mp4")), joined),
-                     &log),
-              0);
+    EXPECT_NE(join(source(QStringLiteral("part1.mp4")), source(QStringLiteral("timecoded.mp4")), joined, &log), 0);
     EXPECT_TRUE(log.contains(QStringLiteral("Bad Parameter (track 3"))) << log.toStdString();
     QStringList cleaned;
     for (const QString &name : {QStringLiteral("part1.mp4"), QStringLiteral("timecoded.mp4")}) {
         cleaned << target(name + QStringLiteral(".tmp.mp4"));
         ASSERT_EQ(mp4box(QStringLiteral("-add \"%1\" -new \"%2\"").arg(source(name), cleaned.last()), &log), 0) << log.toStdString();
     }
-    ASSERT_EQ(mp4box(QStringLiteral("-cat \"%1\" -cat \"%2\" -isma -inter 500 -new \"%3\"").arg(cleaned[0], cleaned[1], joined), &log), 0)
-        << log.toStdString();
+    ASSERT_EQ(join(cleaned[0], cleaned[1], joined, &log), 0) << log.toStdString();
     EXPECT_EQ(videoPackets(joined), 125);
 }
 

@@ -1,13 +1,9 @@
 #include "MCHelpers.h"
-#include "StandInSupport.h"
-
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "Mp4BoxTestSupport.h"
 
 namespace {
 
-const QString kMp4Box = QStringLiteral("mp4boxUpdated/MP4box");
+using namespace mp4boxtest;
 
 // Display times of the decoded video frames, in decoding output order.
 QList<qint64> shownTimes(const QString &path)
@@ -34,23 +30,16 @@ bool steadilySpaced(const QList<qint64> &times)
     return true;
 }
 
-bool decodesCleanly(const QString &path)
-{
-    QString errors;
-    const int status = testsupport::run(QStringLiteral("ffmpeg -nostdin -v error -i '%1' -map 0:v -map 0:a? -f null - 2>&1").arg(path), &errors);
-    return status == 0 && errors.trimmed().isEmpty();
-}
-
 // Raw H.264 with B-frames in a pyramid, at the NTSC film rate, and the
 // other elementary streams an MP4 conversion prepares; an MP4 and an AVI
 // like those Kestrane edits or encodes.
-class Mp4MuxTest : public ::testing::Test
+class Mp4MuxTest : public Mp4BoxSuite
 {
 protected:
-    static void SetUpTestSuite()
+    static void SetUpTestSuite() { makeMedia(make); }
+
+    static void make(const QString &dir)
     {
-        media = new QTemporaryDir;
-        const QString dir = media->path();
         testsupport::ffmpeg(dir, QStringLiteral("clip.h264"),
                             QStringLiteral("-f lavfi -i testsrc=size=320x240:rate=24000/1001 -frames:v 96 -c:v libx264 "
                                            "-bf 3 -b_strategy 0 -g 24 -pix_fmt yuv420p"));
@@ -66,39 +55,8 @@ protected:
                                            "-c:v libx264 -g 25 -c:a aac"));
         testsupport::ffmpeg(dir, QStringLiteral("movie.avi"),
                             QStringLiteral("-f lavfi -i testsrc=size=320x240:rate=25 -t 4 -c:v mpeg4 -vtag XVID -bf 2 -g 25"));
-        for (const QString &name : standin::filesIn(dir))
-            sums->insert(name, standin::checksum(dir + QLatin1Char('/') + name));
     }
-    static void TearDownTestSuite()
-    {
-        delete media;
-        sums->clear();
-    }
-    void TearDown() override
-    {
-        for (auto it = sums->cbegin(); it != sums->cend(); ++it)
-            EXPECT_EQ(standin::checksum(source(it.key())), it.value()) << it.key().toStdString() << " was changed";
-    }
-
-    static QString source(const QString &name) { return media->path() + QLatin1Char('/') + name; }
-    QString target(const QString &name) const { return out.path() + QLatin1Char('/') + name; }
-
-    int mp4box(const QString &arguments, QString *log = nullptr)
-    {
-        QString output;
-        const int status = standin::runTool(kMp4Box, arguments, &output);
-        if (log)
-            *log = output;
-        return status;
-    }
-
-    QTemporaryDir out;
-    static QTemporaryDir *media;
-    static QHash<QString, QByteArray> *sums;
 };
-
-QTemporaryDir *Mp4MuxTest::media = nullptr;
-QHash<QString, QByteArray> *Mp4MuxTest::sums = new QHash<QString, QByteArray>;
 
 } // namespace
 
