@@ -18,10 +18,11 @@ StreamWriter::StreamWriter(const std::string &path, const char *format)
     context->flush_packets = 0;
 }
 
+// An unfinished file is dropped without its trailer: freeing the muxer
+// releases its buffers, and an MP4's second pass over the data is not spent
+// on a file nobody gets.
 StreamWriter::~StreamWriter()
 {
-    if (context && headerWritten && !trailerWritten)
-        av_write_trailer(context); // releases the muxer's buffers; the file is discarded anyway
     avformat_free_context(context);
 }
 
@@ -77,7 +78,6 @@ void StreamWriter::writeHeader(const AVDictionary *options)
     const std::string leftName = left ? left->key : "";
     av_dict_free(&unused);
     checkAv(result, "cannot write the header of " + output.path());
-    headerWritten = true;
     if (!leftName.empty())
         throw ToolError("the " + std::string(context->oformat->name) + " writer has no option " + leftName);
 }
@@ -110,7 +110,6 @@ void StreamWriter::write(AVPacket *packet, int index, AVRational sourceTimeBase)
 
 void StreamWriter::writeTrailer()
 {
-    trailerWritten = true;
     checkAv(av_write_trailer(context), "cannot finish " + output.path());
 }
 

@@ -57,8 +57,6 @@ protected:
 private:
     std::vector<int64_t> lastDts;
     int64_t packetCount = 0;
-    bool headerWritten = false;
-    bool trailerWritten = false;
 };
 
 // The files a run has completed. Unless the run keeps them, they are taken
