@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <sys/stat.h>
 
@@ -154,6 +153,23 @@ void refuseInputsAsOutput(const Mp4BoxCommand &command)
     }
 }
 
+// The tracks of the file written, in order: the named file's own (when it
+// is written again), then those -add takes.
+std::vector<PlannedTrack> planTracks(const Mp4BoxCommand &command, SourceSet &sources)
+{
+    const bool inPlace = command.operation != Mp4Operation::Import || !command.createNew;
+    if (!inPlace)
+        refuseInputsAsOutput(command);
+    std::vector<PlannedTrack> plan;
+    if (command.operation != Mp4Operation::Import || (inPlace && exists(command.file)))
+        planExistingTracks(plan, sources.open(command.file), command.removedTracks);
+    planImports(plan, command, sources);
+    applyTrackAspects(plan, command);
+    if (plan.empty())
+        throw ToolError("no track would be left in " + command.file);
+    return plan;
+}
+
 } // namespace
 
 Mp4Layout layoutOf(const Mp4BoxCommand &command)
@@ -175,18 +191,9 @@ void checkTemporaryFolder(const Mp4BoxCommand &command)
 int runMp4Mux(const Mp4BoxCommand &command)
 {
     checkTemporaryFolder(command);
-    const bool inPlace = command.operation != Mp4Operation::Import || !command.createNew;
-    if (!inPlace)
-        refuseInputsAsOutput(command);
-    SourceSet sources(command.frameRate ? std::optional<AVRational>(AVRational{command.frameRate->num, command.frameRate->den})
-                                        : std::nullopt);
-    std::vector<PlannedTrack> plan;
-    if (command.operation != Mp4Operation::Import || (inPlace && exists(command.file)))
-        planExistingTracks(plan, sources.open(command.file), command.removedTracks);
-    planImports(plan, command, sources);
-    applyTrackAspects(plan, command);
-    if (plan.empty())
-        throw ToolError("no track would be left in " + command.file);
+    const std::optional<Ratio> rate = command.frameRate;
+    SourceSet sources(rate ? std::optional<AVRational>(AVRational{rate->num, rate->den}) : std::nullopt);
+    const std::vector<PlannedTrack> plan = planTracks(command, sources);
 
     Mp4Writer writer(command.file, layoutOf(command));
     Mp4Progress progress("Writing " + fileNameOf(command.file));
@@ -200,8 +207,9 @@ int runMp4Mux(const Mp4BoxCommand &command)
         std::printf("Track %zu: %s from %s%s\n", i + 1, describeStream(stream).c_str(), track.source->path().c_str(),
                     describeLabel(track.label).c_str());
     }
+    // The file's own tags (title, date) stay when it is written again or re-added.
     const Mp4Source *first = plan.front().source;
-    if (first->isMp4() || std::strstr(first->file()->iformat->name, "matroska"))
+    if (first->isMp4() || first->isMatroska())
         writer.copyFileTagsFrom(first->file());
     std::fflush(stdout);
 

@@ -38,7 +38,7 @@ Mp4Source::Mp4Source(const std::string &path, std::optional<AVRational> frameRat
     : filePath(path), input(openWithRate(path, frameRate)), rate(frameRate)
 {
     // AVI stores no display times for B-frames; libavformat works them out.
-    if (!isMp4() && std::strcmp(input->iformat->name, "matroska,webm") != 0)
+    if (!isMp4() && !isMatroska())
         input->flags |= AVFMT_FLAG_GENPTS;
     struct stat info {};
     if (stat(path.c_str(), &info) == 0)
@@ -50,10 +50,15 @@ bool Mp4Source::isMp4() const
     return std::strstr(input->iformat->name, "mp4") != nullptr;
 }
 
+bool Mp4Source::isMatroska() const
+{
+    return std::strstr(input->iformat->name, "matroska") != nullptr;
+}
+
 int Mp4Source::trackIdOf(int index) const
 {
     const AVStream *stream = input->streams[index];
-    const bool ownIds = isMp4() || std::strstr(input->iformat->name, "matroska");
+    const bool ownIds = isMp4() || isMatroska();
     return ownIds && stream->id > 0 ? stream->id : index + 1;
 }
 

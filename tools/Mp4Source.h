@@ -23,6 +23,7 @@ public:
     AVFormatContext *file() const { return input.get(); }
     // True for MP4, MOV and M4V files.
     bool isMp4() const;
+    bool isMatroska() const;
 
     // The streams that MP4Box's track number `trackId` names: the track ID in
     // an MP4, the track number in a Matroska file, the stream's place
