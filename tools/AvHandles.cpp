@@ -41,7 +41,7 @@ FramePtr newFrame()
     return frame;
 }
 
-InputPtr openMediaFile(const std::string &path)
+InputPtr openMediaFile(const std::string &path, const AVDictionary *options)
 {
     struct stat info {};
     if (stat(path.c_str(), &info) != 0)
@@ -52,8 +52,11 @@ InputPtr openMediaFile(const std::string &path)
         throw ToolError("cannot read " + path + ": " + std::strerror(errno));
 
     AVFormatContext *raw = nullptr;
+    AVDictionary *demuxerOptions = nullptr;
+    av_dict_copy(&demuxerOptions, options, 0);
     // "file:" keeps names with a colon from being read as protocols.
-    const int opened = avformat_open_input(&raw, ("file:" + path).c_str(), nullptr, nullptr);
+    const int opened = avformat_open_input(&raw, ("file:" + path).c_str(), nullptr, &demuxerOptions);
+    av_dict_free(&demuxerOptions);
     if (opened < 0)
         throw ToolError(path + " is not a media file libavformat can read (" + avErrorText(opened) + ")");
     InputPtr input(raw);

@@ -61,14 +61,8 @@ std::vector<PacketEntry> entriesFromIndex(AVFormatContext *input, int videoStrea
         AVStream *stream = input->streams[i];
         if (!copiesStream(stream))
             continue;
-        const int count = avformat_index_get_entries_count(stream);
-        if (count <= 0)
+        if (addIndexEntries(stream, static_cast<int>(i), entries) <= 0)
             return {};
-        for (int n = 0; n < count; ++n) {
-            const AVIndexEntry *entry = avformat_index_get_entry(stream, n);
-            entries.push_back({static_cast<int>(i), entry->timestamp, toMicroseconds(entry->timestamp, stream->time_base),
-                               entry->size, (entry->flags & AVINDEX_KEYFRAME) != 0});
-        }
     }
     return entries;
 }

@@ -224,6 +224,11 @@ void OutputFile::withdraw() noexcept
     committed = false;
 }
 
+std::string OutputFile::nameForReading() const
+{
+    return namedTemporary.empty() ? "/proc/self/fd/" + std::to_string(descriptor) : namedTemporary;
+}
+
 std::string OutputFile::handOverAcrossExec()
 {
     flush();

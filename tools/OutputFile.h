@@ -39,6 +39,9 @@ public:
     void commit();
     // Removes a committed file again, so a failed run takes back its pieces.
     void withdraw() noexcept;
+    // A name under which this process can open the data again for reading
+    // (the MP4 writer reads its own output to move the index to the front).
+    std::string nameForReading() const;
     // Flushes, keeps the descriptor open across execv and answers the name
     // under which the process that replaces this one can open the data.
     std::string handOverAcrossExec();

@@ -40,16 +40,27 @@ std::size_t intervalOf(const PacketEntry &entry, const KeyFrames &keys, int vide
 
 } // namespace
 
+int addIndexEntries(AVStream *stream, int index, std::vector<PacketEntry> &entries)
+{
+    const int count = avformat_index_get_entries_count(stream);
+    for (int n = 0; n < count; ++n) {
+        const AVIndexEntry *entry = avformat_index_get_entry(stream, n);
+        entries.push_back({index, entry->timestamp, toMicroseconds(entry->timestamp, stream->time_base), entry->size,
+                           (entry->flags & AVINDEX_KEYFRAME) != 0});
+    }
+    return count;
+}
+
 SizePlan planBySize(const std::vector<PacketEntry> &entries, int videoStream, int64_t maxBytes, int maxPieces,
-                    int streamCount)
+                    int streamCount, const ContainerCosts &costs)
 {
     const KeyFrames keys = keyFramesOf(entries, videoStream);
     const std::size_t intervals = keys.timestamps.size();
     std::vector<int64_t> cost(intervals, 0);
     for (const PacketEntry &entry : entries)
-        cost[intervalOf(entry, keys, videoStream)] += aviPacketCost(entry.size);
+        cost[intervalOf(entry, keys, videoStream)] += costs.packetCost(entry.size);
 
-    const int64_t header = kAviHeaderBytes + kAviHeaderBytesPerStream * streamCount;
+    const int64_t header = costs.headerBytes + costs.headerBytesPerStream * streamCount;
     SizePlan plan;
     std::size_t first = 0;
     while (first < intervals) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+struct AVStream;
+
 namespace mediatool {
 
 // What the planner knows of one stored packet.
@@ -33,11 +35,21 @@ struct PiecePlan
     int64_t plannedBytes = 0;
 };
 
-// Estimated bytes of an AVI's headers and of one packet beyond its data
-// (chunk header, padding, index entries).
-constexpr int64_t kAviHeaderBytes = 16 * 1024;
-constexpr int64_t kAviHeaderBytesPerStream = 8 * 1024;
+// Adds the packets the demuxer's index lists for `stream` (number `index`
+// of its file) to `entries`; answers how many it listed.
+int addIndexEntries(AVStream *stream, int index, std::vector<PacketEntry> &entries);
+
+// Estimated bytes a container spends on its headers and on one packet.
+struct ContainerCosts
+{
+    int64_t headerBytes;
+    int64_t headerBytesPerStream;
+    int64_t (*packetCost)(int64_t size);
+};
+
+// An AVI packet carries a chunk header, padding and index entries.
 constexpr int64_t aviPacketCost(int64_t size) { return size + 8 + (size & 1) + 24; }
+constexpr ContainerCosts kAviCosts{16 * 1024, 8 * 1024, aviPacketCost};
 
 struct SizePlan
 {
@@ -49,7 +61,7 @@ struct SizePlan
 // `maxBytes` (a single longer interval becomes a piece of its own), at most
 // `maxPieces` pieces (0: no limit).
 SizePlan planBySize(const std::vector<PacketEntry> &entries, int videoStream, int64_t maxBytes, int maxPieces,
-                    int streamCount);
+                    int streamCount, const ContainerCosts &costs = kAviCosts);
 
 // The piece from the last key frame at or before startUs up to endUs (endTs
 // is the same end in the video time base).

@@ -26,5 +26,10 @@ std::string avErrorText(int code);
 
 // Throws ToolError("what: reason") when an FFmpeg call returned an error.
 int checkAv(int result, const std::string &what);
+// The same without making a string on every call, for per-packet work.
+inline int checkAv(int result, const char *what)
+{
+    return result < 0 ? checkAv(result, std::string(what)) : result;
+}
 
 } // namespace mediatool

@@ -1,12 +1,13 @@
-// kestrane-mediatool: the stand-ins for avisplit, avimerge and MEncoder's
-// missing audio encoders. The resource folder links each name to this
-// program; it acts on the name it was started under, or on the name given
+// kestrane-mediatool: the stand-ins for avisplit, avimerge, MP4Box and
+// MEncoder's missing audio encoders. The resource folder links each name to
+// this program; it acts on the name it was started under, or on the name given
 // as its first argument ("kestrane-mediatool avisplit -i ...").
 
 #include "AviMerger.h"
 #include "AviSplitter.h"
 #include "Interruption.h"
 #include "MencoderFront.h"
+#include "Mp4Box.h"
 #include "ToolError.h"
 
 extern "C" {
@@ -27,9 +28,14 @@ std::string baseName(const char *path)
     return slash ? slash + 1 : path;
 }
 
+bool isMp4BoxName(const std::string &name)
+{
+    return name == "MP4box" || name == "MP4Box" || name == "mp4box";
+}
+
 bool isToolName(const std::string &name)
 {
-    return name == "avisplit" || name == "avimerge" || name == "mencoder" || name == "mencodernew";
+    return name == "avisplit" || name == "avimerge" || name == "mencoder" || name == "mencodernew" || isMp4BoxName(name);
 }
 
 int runTool(const std::string &name, const std::vector<std::string> &arguments)
@@ -38,6 +44,8 @@ int runTool(const std::string &name, const std::vector<std::string> &arguments)
         return mediatool::runAviSplit(arguments);
     if (name == "avimerge")
         return mediatool::runAviMerge(arguments);
+    if (isMp4BoxName(name))
+        return mediatool::runMp4Box(arguments);
     return mediatool::runMencoderFront(name, arguments);
 }
 
@@ -52,7 +60,7 @@ int main(int argc, char **argv)
         first = 2;
     }
     if (!isToolName(name)) {
-        std::fprintf(stderr, "kestrane-mediatool: run me as avisplit, avimerge, mencoder or mencodernew,\n"
+        std::fprintf(stderr, "kestrane-mediatool: run me as avisplit, avimerge, MP4box, mencoder or mencodernew,\n"
                              "or give one of those names first: kestrane-mediatool avisplit -i FILE ...\n");
         return 2;
     }

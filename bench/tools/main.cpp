@@ -3,52 +3,15 @@
 //
 //   bench_tools [FOLDER]    (default: a new folder under /tmp, removed after)
 
-#include <algorithm>
-#include <chrono>
+#include "StandInTiming.h"
+
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
-namespace {
-
 namespace fs = std::filesystem;
-
-std::string resources()
-{
-    const char *folder = std::getenv("KESTRANE_RESOURCES");
-    return folder && *folder ? folder : KESTRANE_BUILD_RESOURCES;
-}
-
-bool shell(const std::string &command)
-{
-    return std::system(("/bin/bash -c '" + command + "' >/dev/null 2>&1").c_str()) == 0;
-}
-
-double bestOfThree(const std::string &command, const std::string &cleanup)
-{
-    double best = 1e9;
-    for (int run = 0; run < 3; ++run) {
-        shell(cleanup);
-        const auto start = std::chrono::steady_clock::now();
-        if (!shell(command)) {
-            std::printf("failed: %s\n", command.c_str());
-            return -1;
-        }
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    }
-    shell(cleanup);
-    return best;
-}
-
-void compare(const char *what, const std::string &standIn, const std::string &ffmpeg, const std::string &cleanup)
-{
-    const double ours = bestOfThree(standIn, cleanup);
-    const double theirs = bestOfThree(ffmpeg, cleanup);
-    std::printf("%-34s %8.2f s %8.2f s %7.2fx\n", what, ours, theirs, theirs > 0 ? ours / theirs : 0.0);
-}
-
-} // namespace
+using standintiming::compare;
+using standintiming::shell;
 
 int main(int argc, char **argv)
 {
@@ -57,7 +20,7 @@ int main(int argc, char **argv)
     fs::create_directories(folder);
     const std::string movie = folder + "/movie.avi";
     const std::string audio = folder + "/surround.ac3";
-    const std::string tools = resources();
+    const std::string tools = standintiming::resources();
 
     std::printf("making a 200 MB AVI in %s ...\n", folder.c_str());
     std::fflush(stdout);
@@ -70,7 +33,7 @@ int main(int argc, char **argv)
     }
     shell("ffmpeg -nostdin -y -f lavfi -i sine=f=300:r=48000 -t 100 -ac 6 -c:a ac3 -b:a 448k " + audio);
     std::printf("source: %.1f MB\n\n", fs::file_size(movie) / 1e6);
-    std::printf("%-34s %10s %10s %8s\n", "", "stand-in", "ffmpeg", "ratio");
+    standintiming::printHeader();
 
     const std::string out = folder + "/out";
     const std::string clean = "rm -f " + out + "*";

@@ -45,6 +45,14 @@ inline int integer(const QString &path, const QString &kind, const QString &para
     return testsupport::mediaInfo(path, kind, parameter).toInt();
 }
 
+// One mediainfo parameter of every track of a kind, "|" after each.
+inline QString everyTrack(const QString &path, const QString &kind, const QString &parameter)
+{
+    QString output;
+    testsupport::run(QStringLiteral("mediainfo --Inform='%1;%%2%|' '%3'").arg(kind, parameter, path), &output);
+    return output.trimmed();
+}
+
 // ffprobe's flags of the first video packet ("K_" for a key frame).
 inline QString firstVideoFlags(const QString &path)
 {
