@@ -10,12 +10,12 @@
 namespace mediatool {
 namespace {
 
-const char kUsage[] = "usage: avimerge -i FILE.avi -p AUDIO -o OUT.avi";
+const char kUsage[] = "usage: avimerge -i FILE.avi -p AUDIO [-p AUDIO]... -o OUT.avi";
 
 struct MergeRequest
 {
     std::string input;
-    std::string audio;
+    std::vector<std::string> audio;
     std::string output;
 };
 
@@ -30,7 +30,12 @@ MergeRequest parseArguments(const std::vector<std::string> &arguments)
             throw UsageError("unknown option \"" + option + "\"\n" + kUsage);
         if (i + 1 >= arguments.size())
             throw UsageError(option + " needs a value\n" + kUsage);
-        std::string &field = option == "-i" ? request.input : option == "-p" ? request.audio : request.output;
+        // Every -p adds one more audio track, in the order given.
+        if (option == "-p") {
+            request.audio.push_back(arguments[++i]);
+            continue;
+        }
+        std::string &field = option == "-i" ? request.input : request.output;
         if (!field.empty())
             throw UsageError(option + " given twice\n" + kUsage);
         field = arguments[++i];
@@ -110,54 +115,82 @@ void requireAviCanCarry(const AVStream *stream, const std::string &path)
                         + path);
 }
 
+// One audio file to add: its best audio stream, checked before anything is written.
+struct AddedAudio
+{
+    std::string path;
+    InputPtr file;
+    int stream = -1;
+};
+
+AddedAudio openAddedAudio(const std::string &path)
+{
+    AddedAudio added{path, openMediaFile(path), -1};
+    added.stream = av_find_best_stream(added.file.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    if (added.stream < 0)
+        throw ToolError(path + " holds no audio stream");
+    requireAviCanCarry(added.file->streams[added.stream], path);
+    requireDecodableAudio(added.file.get(), added.stream, path);
+    added.file = openMediaFile(path); // back to its start
+    const AVCodecParameters *codec = added.file->streams[added.stream]->codecpar;
+    std::printf("avimerge: adding %s (%s, %d channels, %d Hz)\n", path.c_str(), avcodec_get_name(codec->codec_id),
+                codec->ch_layout.nb_channels, codec->sample_rate);
+    return added;
+}
+
 } // namespace
 
 int runAviMerge(const std::vector<std::string> &arguments)
 {
     const MergeRequest request = parseArguments(arguments);
     InputPtr video = openAviFile(request.input);
-    InputPtr audio = openMediaFile(request.audio);
-    const int audioStream = av_find_best_stream(audio.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    if (audioStream < 0)
-        throw ToolError(request.audio + " holds no audio stream");
-    requireAviCanCarry(audio->streams[audioStream], request.audio);
-    requireDecodableAudio(audio.get(), audioStream, request.audio);
-    audio = openMediaFile(request.audio); // back to its start
-    if (isSameFile(request.output, request.input) || isSameFile(request.output, request.audio))
+    std::vector<AddedAudio> audio;
+    for (const std::string &path : request.audio) {
+        if (isSameFile(request.output, path))
+            throw ToolError("the output " + request.output + " is one of the inputs; choose another -o name");
+        audio.push_back(openAddedAudio(path));
+    }
+    if (isSameFile(request.output, request.input))
         throw ToolError("the output " + request.output + " is one of the inputs; choose another -o name");
-
-    const AVCodecParameters *added = audio->streams[audioStream]->codecpar;
-    std::printf("avimerge: adding %s (%s, %d channels, %d Hz) to %s as %s\n", request.audio.c_str(),
-                avcodec_get_name(added->codec_id), added->ch_layout.nb_channels, added->sample_rate,
-                request.input.c_str(), request.output.c_str());
+    std::printf("avimerge: writing %s as %s\n", request.input.c_str(), request.output.c_str());
     std::fflush(stdout);
 
     AviWriter writer(request.output);
     std::vector<int> outputIndex(video->nb_streams);
     for (unsigned i = 0; i < video->nb_streams; ++i)
         outputIndex[i] = writer.addStreamLike(video->streams[i]);
-    const int addedIndex = writer.addStreamLike(audio->streams[audioStream]);
+    std::vector<int> addedIndex;
+    for (const AddedAudio &added : audio)
+        addedIndex.push_back(writer.addStreamLike(added.file->streams[added.stream]));
     writer.copyFileTagsFrom(video.get());
     writer.writeHeader();
 
-    PacketSource fromVideo(video.get(), -1);
-    PacketSource fromAudio(audio.get(), audioStream);
-    const AVRational audioTimeBase = audio->streams[audioStream]->time_base;
-    while (!fromVideo.exhausted() || !fromAudio.exhausted()) {
+    // The film and every added file, written in time order.
+    std::vector<PacketSource> sources;
+    sources.reserve(audio.size() + 1);
+    sources.emplace_back(video.get(), -1);
+    for (const AddedAudio &added : audio)
+        sources.emplace_back(added.file.get(), added.stream);
+    while (true) {
         throwIfInterrupted();
-        const bool takeAudio = fromVideo.exhausted() || (!fromAudio.exhausted() && fromAudio.timeUs() < fromVideo.timeUs());
-        PacketSource &source = takeAudio ? fromAudio : fromVideo;
-        AVPacket *packet = source.packet();
-        if (takeAudio)
-            writer.write(packet, addedIndex, audioTimeBase);
-        else
+        std::size_t next = sources.size();
+        for (std::size_t k = 0; k < sources.size(); ++k) {
+            if (!sources[k].exhausted() && (next == sources.size() || sources[k].timeUs() < sources[next].timeUs()))
+                next = k;
+        }
+        if (next == sources.size())
+            break;
+        AVPacket *packet = sources[next].packet();
+        if (next == 0)
             writer.write(packet, outputIndex[packet->stream_index], video->streams[packet->stream_index]->time_base);
-        source.advance();
+        else
+            writer.write(packet, addedIndex[next - 1], audio[next - 1].file->streams[audio[next - 1].stream]->time_base);
+        sources[next].advance();
     }
     writer.writeTrailer();
     writer.commit();
-    std::printf("avimerge: done, %s holds %u stream(s), %.1f MB\n", request.output.c_str(), video->nb_streams + 1,
-                writer.fileBytes() / 1e6);
+    std::printf("avimerge: done, %s holds %zu stream(s), %.1f MB\n", request.output.c_str(),
+                video->nb_streams + audio.size(), writer.fileBytes() / 1e6);
     return 0;
 }
 

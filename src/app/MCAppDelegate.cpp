@@ -88,6 +88,7 @@ void MCAppDelegate::applicationDidFinishLaunching()
     selectionController->initialize();
     queueController = new MCQueueController(this);
     queueController->appPreferences = appPreferences;
+    queueController->setJournal(&m_journal);
     watchModeController = new MCWatchModeController(this);
     watchModeController->appDelegate = this;
     watchModeController->appPreferences = appPreferences;
@@ -243,6 +244,11 @@ QString MCAppDelegate::loadRule(const QUrl &url, bool withAlerts)
 {
     if (isOneOf(m_openingFileMode, {kOpen, kDrag, kWatch})) {
         loadNewFileTracksFrom(url, withAlerts);
+        // A file that did not load leaves the earlier one in place: saying
+        // "new file added" then would start that earlier file again (a
+        // watched folder would convert the previous movie once more).
+        if (m_lastLoadAnswer.toLower() != QStringLiteral("ok"))
+            return {};
         applyPresets();
         return kNewFileAdded;
     }
@@ -388,11 +394,16 @@ void MCAppDelegate::startBatch()
         MCAlertCenter::instance().present(alert);
         return;
     }
-    testNewFileURL(m_openedURLsArray.first(), true);
-    markEditTrackSources();
-    queueCurrentSelection();
-    if (redrawQueueDrawer)
-        redrawQueueDrawer();
+    // A first file that does not load is skipped like any other; queueing
+    // then would convert whatever was loaded before.
+    if (testNewFileURL(m_openedURLsArray.first(), true) == kNewFileAdded) {
+        markEditTrackSources();
+        queueCurrentSelection();
+        if (redrawQueueDrawer)
+            redrawQueueDrawer();
+    } else {
+        emit batchFileSkipped(m_openedURLsArray.first(), m_lastLoadAnswer);
+    }
     QTimer::singleShot(kBatchDelayMs, this, &MCAppDelegate::finishStartProcess);
 }
 
@@ -437,6 +448,7 @@ QStringList MCAppDelegate::saveFileInfo()
         files << currentVideoFile->theFileURL;
     const QString preferred = appPreferences ? appPreferences->saveDirectoryURL.toLocalFile() : QString();
     QStringList written;
+    QStringList failed;
     for (const QUrl &file : std::as_const(files)) {
         const QFileInfo source(file.toLocalFile());
         const QString folder = preferred.isEmpty() ? source.absolutePath() : preferred;
@@ -444,11 +456,70 @@ QStringList MCAppDelegate::saveFileInfo()
         QSaveFile out(QDir(folder).filePath(QStringLiteral("%1.info.txt").arg(source.fileName())));
         if (!out.open(QIODevice::WriteOnly) || out.write(report.toUtf8()) < 0 || !out.commit()) {
             MCLog::line(QStringLiteral("Could not write %1: %2").arg(out.fileName(), out.errorString()));
+            failed << QStringLiteral("%1 (%2)").arg(out.fileName(), out.errorString());
             continue;
         }
         written << out.fileName();
     }
+    // A report that could not be written is said, not only logged.
+    if (!failed.isEmpty())
+        showTimedNotice(QStringLiteral("Kestrane could not save the file information."), failed.join(QLatin1Char('\n')));
     return written;
+}
+
+// ---------------------------------------------------------------- interrupted jobs
+
+QList<MCJobJournal::Entry> MCAppDelegate::interruptedJobs()
+{
+    QList<MCJobJournal::Entry> jobs = m_journal.interruptedJobs();
+    for (MCJobJournal::Entry &job : jobs) {
+        if (job.stagingFolder.isEmpty())
+            continue;
+        m_journal.clearUp(job);
+        job.stagingFolder.clear();
+        // Back on record, now without a folder to clear.
+        job.id = m_journal.record(job.jobType, job.jobFileName, *job.selection);
+    }
+    return jobs;
+}
+
+void MCAppDelegate::runInterruptedJobsAgain(const QList<MCJobJournal::Entry> &jobs)
+{
+    for (const MCJobJournal::Entry &job : jobs) {
+        m_journal.forget(job.id);
+        if (queueSelection)
+            queueSelection(job.selection);
+    }
+}
+
+void MCAppDelegate::forgetInterruptedJobs(const QList<MCJobJournal::Entry> &jobs)
+{
+    for (const MCJobJournal::Entry &job : jobs)
+        m_journal.forget(job.id);
+}
+
+void MCAppDelegate::offerInterruptedJobs()
+{
+    const QList<MCJobJournal::Entry> jobs = interruptedJobs();
+    if (jobs.isEmpty())
+        return;
+    QStringList names;
+    for (const MCJobJournal::Entry &job : jobs)
+        names << QStringLiteral("%1 (%2)").arg(job.jobFileName, job.jobType);
+    MCAlert alert;
+    alert.message = jobs.size() == 1 ? QStringLiteral("Kestrane was stopped before a job had finished.")
+                                     : QStringLiteral("Kestrane was stopped before %1 jobs had finished.").arg(jobs.size());
+    alert.informativeText = names.join(QLatin1Char('\n'))
+                            + QStringLiteral("\n\nWhat they had begun to write has been removed. Run them again?");
+    alert.buttons = {QStringLiteral("OK"), QStringLiteral("Cancel")};
+    MCAlertCenter::instance().present(alert, [self = QPointer<MCAppDelegate>(this), jobs](int code) {
+        if (!self)
+            return;
+        if (code == MCAlertFirstButtonReturn)
+            self->runInterruptedJobsAgain(jobs);
+        else
+            self->forgetInterruptedJobs(jobs);
+    });
 }
 
 // ---------------------------------------------------------------- quit

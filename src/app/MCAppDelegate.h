@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MCHelpers.h"
+#include "MCJobJournal.h"
 #include "MCSelection.h"
 
 #include <QList>
@@ -85,6 +86,15 @@ public:
     // "NAME.info.txt"; answers the paths written.
     QStringList saveFileInfo();
 
+    // Jobs an earlier Kestrane was killed before it finished. Whatever they
+    // had begun to write is removed as they are found; they stay on record
+    // until run again or let go.
+    QList<MCJobJournal::Entry> interruptedJobs();
+    void runInterruptedJobsAgain(const QList<MCJobJournal::Entry> &jobs);
+    void forgetInterruptedJobs(const QList<MCJobJournal::Entry> &jobs);
+    // The window's question: run them again (OK) or let them go (Cancel).
+    void offerInterruptedJobs();
+
     // Quit: with a running job, pauses it and asks; reply(true) quits.
     void applicationShouldTerminate(const std::function<void(bool)> &reply);
     // Stops the running job and removes every job from the queue.
@@ -132,4 +142,5 @@ private:
     QString m_lastLoadAnswer;
     QString m_settingsFilePath;
     bool m_launched = false;
+    MCJobJournal m_journal;
 };

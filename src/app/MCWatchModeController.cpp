@@ -9,7 +9,6 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QSet>
 
 namespace {
@@ -154,21 +153,10 @@ QList<QUrl> MCWatchModeController::makeMovieListForWatchFolderURL(const QUrl &fo
 
 bool MCWatchModeController::isOwnOutput(const QString &path) const
 {
-    if (m_ownOutputs.isEmpty())
-        return false;
-    if (m_ownOutputs.contains(path))
-        return true;
-    // Pieces of a split result: "NAME-0000.avi" beside "NAME.avi".
-    static const QRegularExpression piece(QStringLiteral("^(.*)-\\d+\\.[^./]+$"));
-    const QRegularExpressionMatch match = piece.match(path);
-    if (!match.hasMatch())
-        return false;
-    const QString stem = match.captured(1) + QLatin1Char('.');
-    for (auto own = m_ownOutputs.cbegin(); own != m_ownOutputs.cend(); ++own) {
-        if (own.key().startsWith(stem) && !own.key().mid(stem.size()).contains(QLatin1Char('/')))
-            return true;
-    }
-    return false;
+    // Every result is announced by its own final name (split pieces each by
+    // theirs), so only an exact name is ours: "movie-2.avi" dropped beside
+    // our "movie.avi.avi" is the user's.
+    return m_ownOutputs.contains(path);
 }
 
 QList<QUrl> MCWatchModeController::currentMovies()

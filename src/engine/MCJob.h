@@ -67,6 +67,10 @@ public:
 
     // Identifies the job's notifications (userInfo "job").
     quint64 jobSerial() const { return m_jobSerial; }
+    // The job's private folder while it runs ("" before and after).
+    QString stagingFolderPath() const { return m_staging.path(); }
+    // The job's entry in the queue kept on disk ("" when not kept).
+    QString journalId;
 
     // Once the job has ended: why it failed ("" when it did not), the log
     // kept for the user when it failed, and where its results now are.

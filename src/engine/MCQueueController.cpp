@@ -3,12 +3,15 @@
 #include "MCAlertCenter.h"
 #include "MCJob.h"
 #include "MCJobFactory.h"
+#include "MCJobJournal.h"
+#include "MCJobStaging.h"
 #include "MCLog.h"
 #include "MCPreferences.h"
 #include "MCProgressTableModel.h"
 #include "MCQueueJobModel.h"
 #include "MCWatchModeLink.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 namespace {
@@ -100,6 +103,8 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
         job->setJobStatus(kQueued);
         job->jobFileName = fileName;
         job->jobSelection = jobSelection;
+        if (m_journal)
+            job->journalId = m_journal->record(job->jobType, fileName, *jobSelection);
         appendJob(job);
     };
     if (selection->jobType == QStringLiteral("AVI Splitting")) {
@@ -135,6 +140,8 @@ void MCQueueController::removeJobAt(int row)
     MCJob *job = m_jobModel->takeJob(row);
     if (!job)
         return;
+    if (m_journal)
+        m_journal->forget(job->journalId);
     if (m_currentJob && m_currentJob != job)
         m_currentJobRowIndex = qJobList().indexOf(m_currentJob.data());
     job->deleteLater();
@@ -167,7 +174,12 @@ void MCQueueController::manageQueue()
         m_currentJobRowIndex = row;
         setJobIsRunning(true);
         job->setJobStatus(kRunning);
+        // A kept log then tells what the job was asked to do.
+        if (job->jobSelection)
+            job->jobSelection->logSelectionProperties();
         job->startJob();
+        if (m_journal)
+            m_journal->noteStarted(job->journalId, job->stagingFolderPath());
         return;
     }
 }
@@ -200,6 +212,8 @@ void MCQueueController::notificationHub(const MCNotification &notification)
         setPauseButtonTitle(kPause);
         m_progressModel->setRows(notification.object.toList());
         m_currentJob->setJobStatus(m_currentJob->hasFailed() ? kFailed : kCompleted);
+        if (m_journal)
+            m_journal->forget(m_currentJob->journalId);
         emit jobEnded(m_currentJob);
         // The next job starts as soon as this one has ended.
         QTimer::singleShot(0, this, &MCQueueController::manageQueue);
@@ -213,6 +227,10 @@ void MCQueueController::noteOwnOutput(const QVariant &object)
     if (!m_watchModeController || !m_watchModeController->appIsInWatchMode())
         return;
     const QString path = object.typeId() == QMetaType::QUrl ? object.toUrl().toLocalFile() : object.toString();
+    // A job's private folder is hidden and never scanned; only the results
+    // it puts in place are announced for the watch folder.
+    if (QFileInfo(path).absoluteDir().dirName().startsWith(MCJobStaging::folderPrefix()))
+        return;
     const QString extension = QFileInfo(path).suffix().toLower();
     if (m_watchModeController->movieExtensionsList().contains(extension))
         m_watchModeController->appendToBaseWatchFolderMovieList(path);

@@ -10,6 +10,7 @@
 #include <QVariantList>
 
 class MCJob;
+class MCJobJournal;
 class MCPreferences;
 class MCProgressTableModel;
 class MCQueueJobModel;
@@ -62,6 +63,9 @@ public:
 
     MCPreferences *appPreferences = nullptr;
     void setWatchModeController(MCWatchModeLink *watchModeController);
+    // Keeps every queued job on disk until it ends, so a Kestrane that was
+    // killed can offer its jobs again. Not owned; none by default.
+    void setJournal(MCJobJournal *journal) { m_journal = journal; }
 
     // jobType -> job class; any other type is not queued.
     static QString jobClassForType(const QString &jobType);
@@ -94,5 +98,6 @@ private:
     bool m_pausedByUser = false;
     QString m_pauseButtonTitle = QStringLiteral("Pause");
     MCWatchModeLink *m_watchModeController = nullptr;
+    MCJobJournal *m_journal = nullptr;
     QMetaObject::Connection m_hubConnection;
 };

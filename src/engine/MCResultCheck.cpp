@@ -73,8 +73,11 @@ QString check(const QString &path, const MCResultExpectation &expected)
     // A tool that could not write on (a full disk) may still end happily.
     if (summary.truncated)
         return QStringLiteral("it is cut short (is the disk full?)");
+    int audioTracks = expected.audioTracks;
+    if (expected.addedAudioTracks >= 0 && !expected.durationSources.isEmpty())
+        audioTracks = static_cast<int>(MCMediaSummary::of(expected.durationSources.first()).audioCount()) + expected.addedAudioTracks;
     for (const QString &problem : {countProblem("video", summary.videoCount(), expected.videoTracks),
-                                   countProblem("audio", summary.audioCount(), expected.audioTracks),
+                                   countProblem("audio", summary.audioCount(), audioTracks),
                                    durationProblem(summary.durationSeconds, expected)}) {
         if (!problem.isEmpty())
             return problem;

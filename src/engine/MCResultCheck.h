@@ -13,6 +13,8 @@ struct MCResultExpectation
     // Exact stream counts; -1 leaves them unchecked.
     int videoTracks = -1;
     int audioTracks = -1;
+    // Or: the first duration source's audio tracks and this many more.
+    int addedAudioTracks = -1;
     // The result lasts as long as these files together...
     QStringList durationSources;
     // ...or as the part [rangeStart, rangeEnd) of them (seconds; a cut may

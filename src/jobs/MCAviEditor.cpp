@@ -106,30 +106,29 @@ QString MCAviEditor::startAddingAudio()
     converterName = kAudioMuxer;
     inputFileURL = converterSelection->videoTrackFileURL;
     // The start marks the source's own tracks as selected too, and they come
-    // first in the list; the file to add is the first added audio track.
-    MCVideoTrackPtr audio;
+    // first in the list; the files to add are the added audio tracks. Each
+    // becomes one more "-p FILE" (one file gives the usual command).
+    QList<QUrl> added;
     for (const MCVideoTrackPtr &track : converterSelection->trackList) {
-        if (track && track->externalTrackFlag && track->trackType == QStringLiteral("Audio")) {
-            audio = track;
-            break;
-        }
+        if (track && track->externalTrackFlag && track->trackType == QStringLiteral("Audio"))
+            added << track->trackFileURL;
     }
-    if (!audio)
-        audio = trackToProcess();
-    if (!audio)
+    if (added.isEmpty()) {
+        if (const MCVideoTrackPtr track = trackToProcess())
+            added << track->trackFileURL;
+    }
+    if (added.isEmpty())
         return refuse(QStringLiteral("there is no audio file to add"));
     const QString stem = stemInSaveFolder(inputFileURL);
     outputFileURL = QUrl::fromLocalFile(
         QStringLiteral("%1.addedAudio.%2").arg(stem, QFileInfo(inputFileURL.toLocalFile()).suffix()));
     logFileURL = QUrl::fromLocalFile(stem + QStringLiteral(".addedAudio.log"));
     monitorCounter = 0;
-    const QList<QUrl> inputs{inputFileURL, audio->trackFileURL};
-    if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
-        return refuse(QStringLiteral("its result would be written over one of its own inputs"));
-    return launch(QStringLiteral("avimerge"),
-                  {QStringLiteral("-i"), inputFileURL, QStringLiteral("-p"), audio->trackFileURL, QStringLiteral("-o"),
-                   outputFileURL},
-                  inputs);
+    MCOptionList arguments{QStringLiteral("-i"), inputFileURL};
+    for (const QUrl &file : std::as_const(added))
+        arguments << QStringLiteral("-p") << file;
+    arguments << QStringLiteral("-o") << outputFileURL;
+    return launch(QStringLiteral("avimerge"), arguments, QList<QUrl>{inputFileURL} + added);
 }
 
 QString MCAviEditor::launch(const QString &tool, MCOptionList arguments, const QList<QUrl> &inputs)

@@ -118,7 +118,15 @@ MCResultExpectation MCEditAviJob::expectedResult() const
         result.rangeEnd = MCSplitRange::secondsOfTimeText(jobSelection->splitEndTimeText);
         // The cut starts at the key frame before the start.
         result.cutSlackSeconds = kKeyFrameSlackSeconds;
-    } else if (type == QStringLiteral("AVI Track Addition") || type == QStringLiteral("MKV Remux")) {
+    } else if (type == QStringLiteral("AVI Track Addition")) {
+        // The source's own audio tracks and one more for every added file.
+        result.durationSources = {source};
+        result.addedAudioTracks = 0;
+        for (const MCVideoTrackPtr &track : jobSelection->trackList) {
+            if (track && track->trackType == QStringLiteral("Audio") && track->trackFilePath != source)
+                ++result.addedAudioTracks;
+        }
+    } else if (type == QStringLiteral("MKV Remux")) {
         result.durationSources = {source};
     }
     return result;

@@ -12,15 +12,15 @@ namespace {
 
 QMutex logMutex;
 
-QString stateFolder()
+} // namespace
+
+QString MCLog::stateFolder()
 {
     QString base = qEnvironmentVariable("XDG_STATE_HOME");
     if (base.isEmpty())
         base = QDir::homePath() + QStringLiteral("/.local/state");
     return base + QStringLiteral("/kestrane");
 }
-
-} // namespace
 
 QString MCLog::logFilePath()
 {

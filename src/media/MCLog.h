@@ -10,4 +10,7 @@ public:
     static void line(const QString &text);
     static void lines(const QString &text); // one entry per line of text
     static QString logFilePath();
+    // $XDG_STATE_HOME/kestrane (~/.local/state/kestrane): what Kestrane keeps
+    // between runs that is not a setting.
+    static QString stateFolder();
 };

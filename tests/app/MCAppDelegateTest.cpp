@@ -128,6 +128,29 @@ TEST_F(AppDelegateTest, ConversionTabIntakeAlertsAndKeepsTheLoadedFile)
     EXPECT_TRUE(queued.isEmpty());
 }
 
+TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
+{
+    // A video whose picture Kestrane cannot identify.
+    const QString unknown = clip(QStringLiteral("unknown.mkv"), QStringLiteral("-c:v ffv1 -c:a ac3"));
+    open(QStringLiteral("AVI"), QStringLiteral("open"), {avi()});
+    app->setOpeningFileMode(QStringLiteral("watch"));
+    EXPECT_EQ(app->testNewFileURL(url(unknown), false), QString());
+    EXPECT_EQ(app->currentVideoFile->theFilePath, avi());
+    // The watch folder's hub starts nothing for it.
+    open(QStringLiteral("AVI"), QStringLiteral("watch"), {unknown});
+    EXPECT_FALSE(testsupport::waitUntil([&] { return !queued.isEmpty(); }, 2500));
+    // A batch whose first file fails queues only the files that load.
+    const QString second = avi(QStringLiteral("second.avi"));
+    app->presetsController->setSelectionMethodIndex(1);
+    app->presetsController->setSettingMethodIndex(2);
+    open(QStringLiteral("AVI"), QStringLiteral("drag"), {unknown, second});
+    app->startProcess(QStringLiteral("Convert"));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !queued.isEmpty(); }, 3000)) << alertTexts().join(u'\n').toStdString();
+    testsupport::waitUntil([] { return false; }, 300);
+    ASSERT_EQ(queued.size(), 1);
+    EXPECT_EQ(queued.first()->videoTrackFilePath, second);
+}
+
 TEST_F(AppDelegateTest, EditTabsTakeOnlyAviFiles)
 {
     const QString notes = writeFile(QStringLiteral("list.txt"), "text\n");

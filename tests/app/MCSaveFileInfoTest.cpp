@@ -112,6 +112,10 @@ TEST_F(SaveFileInfoTest, WhatCannotBeWrittenIsLeftAlone)
     app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(saveFolder.path() + QStringLiteral("/gone"));
     EXPECT_TRUE(app->saveFileInfo().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(saveFolder.path() + QStringLiteral("/gone")));
+    // Both failures were told, not only logged.
+    ASSERT_EQ(alerts->alerts.size(), 2);
+    EXPECT_EQ(alerts->alerts.at(1).message, QStringLiteral("Kestrane could not save the file information."));
+    EXPECT_TRUE(alerts->alerts.at(1).informativeText.contains(QStringLiteral("/gone/first.avi.info.txt")));
 }
 
 } // namespace

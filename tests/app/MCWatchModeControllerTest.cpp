@@ -116,18 +116,23 @@ TEST_F(WatchLoopTest, FilesThatLeaveAreForgotten)
     EXPECT_EQ(scan().size(), 1);
 }
 
-TEST_F(WatchLoopTest, KestranesOwnResultsAreNeverTakenUp)
+TEST_F(WatchLoopTest, KestranesOwnResultsAreNeverTakenUpButTheUsersLookalikesAre)
 {
     start();
     watch.appendToBaseWatchFolderMovieList(folder.path(QStringLiteral("clip.avi.avi")));
-    watch.appendToBaseWatchFolderMovieList(folder.path(QStringLiteral("clip.split.avi")));
-    scan(); // announced before the tool has created anything
+    watch.appendToBaseWatchFolderMovieList(folder.path(QStringLiteral("clip.avi.split-0000.avi")));
+    scan(); // announced before the file stands there
     for (int i = 0; i < 3; ++i) {
         folder.grow(QStringLiteral("clip.avi.avi"), 100);
-        folder.grow(QStringLiteral("clip.split-0000.avi"), 10);
+        folder.grow(QStringLiteral("clip.avi.split-0000.avi"), 10);
         EXPECT_TRUE(scan().isEmpty());
     }
     EXPECT_TRUE(scan().isEmpty());
+
+    // The user's "clip-2.avi" beside our "clip.avi.avi" is a new movie.
+    folder.grow(QStringLiteral("clip-2.avi"), 10);
+    scan();
+    EXPECT_EQ(scan(), QList<QUrl>{folder.url(QStringLiteral("clip-2.avi"))});
 
     // Once gone, the name is the user's again.
     QFile::remove(folder.path(QStringLiteral("clip.avi.avi")));

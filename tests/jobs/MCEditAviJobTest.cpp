@@ -123,7 +123,7 @@ TEST_F(EditAviJobTest, ExtractsEveryTrackAndKeepsThem)
     EXPECT_TRUE(saved(u"*.log"_s).isEmpty());
 }
 
-TEST_F(EditAviJobTest, AddsAnAudioTrack)
+TEST_F(EditAviJobTest, AddsEveryChosenAudioFileAsATrackOfItsOwn)
 {
     if (!hasAviTools)
         GTEST_SKIP() << "no avimerge in the resource folder";
@@ -131,8 +131,20 @@ TEST_F(EditAviJobTest, AddsAnAudioTrack)
         = testsupport::ffmpeg(QFileInfo(clip).path(), u"added.mp3"_s, u"-f lavfi -i sine=f=880:d=3 -c:a libmp3lame"_s);
     MCSelectionPtr addition = selection(u"AVI Track Addition"_s);
     addition->trackList = {makeTrack(u"Audio"_s, u"mp3"_s, mp3)};
-    runThroughQueue(addition);
+    EXPECT_EQ(runThroughQueue(addition), QString());
     EXPECT_EQ(testsupport::mediaInfo(savedPath(u"clip.avi.addedAudio.avi"_s), u"General"_s, u"AudioCount"_s), u"2"_s);
+
+    // Two files at once: both are added, in their order, none is dropped.
+    const QString ac3
+        = testsupport::ffmpeg(QFileInfo(clip).path(), u"added.ac3"_s, u"-f lavfi -i sine=f=440:d=3 -ac 6 -c:a ac3"_s);
+    MCVideoTrackPtr first = makeTrack(u"Audio"_s, u"mp3"_s, mp3);
+    MCVideoTrackPtr second = makeTrack(u"Audio"_s, u"ac3"_s, ac3);
+    first->externalTrackFlag = second->externalTrackFlag = true;
+    addition->trackList = {first, second};
+    EXPECT_EQ(runThroughQueue(addition), QString());
+    QString formats;
+    testsupport::run(u"mediainfo --Inform='Audio;%Format%,' '%1'"_s.arg(savedPath(u"clip.avi.addedAudio (2).avi"_s)), &formats);
+    EXPECT_EQ(formats.trimmed(), u"MPEG Audio,MPEG Audio,AC-3,"_s);
 }
 
 TEST_F(EditAviJobTest, MonitorsTickByTick)
