@@ -2,6 +2,7 @@
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 
 MCDropTableView::MCDropTableView(QWidget *parent)
@@ -11,6 +12,7 @@ MCDropTableView::MCDropTableView(QWidget *parent)
     viewport()->setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);
     setDropIndicatorShown(false);
+    setTabKeyNavigation(false);
 }
 
 QList<QUrl> MCDropTableView::localFilesIn(const QMimeData *data)
@@ -50,4 +52,21 @@ void MCDropTableView::dropEvent(QDropEvent *event)
     }
     event->acceptProposedAction();
     emit filesDropped(files);
+}
+
+void MCDropTableView::keyPressEvent(QKeyEvent *event)
+{
+    const QModelIndex current = currentIndex();
+    if (event->key() != Qt::Key_Space || m_checkColumn < 0 || !current.isValid() || !model()) {
+        QTableView::keyPressEvent(event);
+        return;
+    }
+    const QModelIndex box = model()->index(current.row(), m_checkColumn);
+    if (!(model()->flags(box) & Qt::ItemIsUserCheckable) || !(model()->flags(box) & Qt::ItemIsEnabled)) {
+        QTableView::keyPressEvent(event);
+        return;
+    }
+    const bool ticked = box.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    model()->setData(box, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+    event->accept();
 }

@@ -5,7 +5,9 @@
 #include <QUrl>
 
 // A table that takes files dropped from the desktop and hands over their
-// locations; the rows themselves are not dragged.
+// locations; the rows themselves are not dragged. Tab leaves the table
+// rather than walking its cells, and with a check column Space ticks the
+// current row whichever of its cells is current.
 class MCDropTableView : public QTableView
 {
     Q_OBJECT
@@ -15,6 +17,8 @@ public:
     // Only local files count; anything else in a drop is ignored.
     static QList<QUrl> localFilesIn(const QMimeData *data);
 
+    void setCheckColumn(int column) { m_checkColumn = column; }
+
 signals:
     void filesDropped(const QList<QUrl> &urls);
 
@@ -22,4 +26,8 @@ protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    int m_checkColumn = -1;
 };
