@@ -27,31 +27,30 @@ QList<QUrl> MCDropTableView::localFilesIn(const QMimeData *data)
     return files;
 }
 
+bool MCDropTableView::acceptLocalFiles(QDropEvent *event)
+{
+    if (localFilesIn(event->mimeData()).isEmpty()) {
+        event->ignore();
+        return false;
+    }
+    event->acceptProposedAction();
+    return true;
+}
+
 void MCDropTableView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (localFilesIn(event->mimeData()).isEmpty())
-        event->ignore();
-    else
-        event->acceptProposedAction();
+    acceptLocalFiles(event);
 }
 
 void MCDropTableView::dragMoveEvent(QDragMoveEvent *event)
 {
-    if (localFilesIn(event->mimeData()).isEmpty())
-        event->ignore();
-    else
-        event->acceptProposedAction();
+    acceptLocalFiles(event);
 }
 
 void MCDropTableView::dropEvent(QDropEvent *event)
 {
-    const QList<QUrl> files = localFilesIn(event->mimeData());
-    if (files.isEmpty()) {
-        event->ignore();
-        return;
-    }
-    event->acceptProposedAction();
-    emit filesDropped(files);
+    if (acceptLocalFiles(event))
+        emit filesDropped(localFilesIn(event->mimeData()));
 }
 
 void MCDropTableView::keyPressEvent(QKeyEvent *event)

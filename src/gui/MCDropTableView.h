@@ -17,6 +17,10 @@ public:
     // Only local files count; anything else in a drop is ignored.
     static QList<QUrl> localFilesIn(const QMimeData *data);
 
+    // Accepts a drag or drop that carries local files, ignores any other;
+    // answers which. For every widget that takes files from the desktop.
+    static bool acceptLocalFiles(QDropEvent *event);
+
     void setCheckColumn(int column) { m_checkColumn = column; }
 
 signals:

@@ -473,21 +473,13 @@ QPushButton *MCMainWindow::startButtonOfCurrentTab() const
 
 void MCMainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (MCDropTableView::localFilesIn(event->mimeData()).isEmpty())
-        event->ignore();
-    else
-        event->acceptProposedAction();
+    MCDropTableView::acceptLocalFiles(event);
 }
 
 void MCMainWindow::dropEvent(QDropEvent *event)
 {
-    const QList<QUrl> files = MCDropTableView::localFilesIn(event->mimeData());
-    if (files.isEmpty()) {
-        event->ignore();
-        return;
-    }
-    event->acceptProposedAction();
-    emit filesDropped(files);
+    if (MCDropTableView::acceptLocalFiles(event))
+        emit filesDropped(MCDropTableView::localFilesIn(event->mimeData()));
 }
 
 QColor MCMainWindow::colorFor(const QString &name, const QPalette &palette)

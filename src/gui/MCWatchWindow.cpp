@@ -125,16 +125,14 @@ void MCWatchWindow::closeEvent(QCloseEvent *event)
 
 void MCWatchWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (MCDropTableView::localFilesIn(event->mimeData()).isEmpty())
-        event->ignore();
-    else
-        event->acceptProposedAction();
+    MCDropTableView::acceptLocalFiles(event);
 }
 
 void MCWatchWindow::dropEvent(QDropEvent *event)
 {
+    if (!MCDropTableView::acceptLocalFiles(event))
+        return;
     const QList<QUrl> folders = foldersIn(event->mimeData());
-    event->acceptProposedAction();
     if (folders.isEmpty()) {
         m_dropHint = QStringLiteral("Drop a folder here to watch it.");
         showStatus();

@@ -1,5 +1,9 @@
 #include "GuiTestSupport.h"
 
+#if KESTRANE_HAVE_APP
+#include "MCAppDelegate.h"
+#endif
+
 #include "TestSupport.h"
 
 #include <QApplication>
@@ -66,6 +70,28 @@ QString makeAvi(const QString &dir, const QString &name, int seconds, const QStr
                                               "-c:v mpeg4 -c:a libmp3lame")
                                    .arg(size)
                                    .arg(seconds));
+}
+
+void WindowTest::SetUp()
+{
+    ASSERT_TRUE(dir.isValid());
+    restart();
+}
+
+void WindowTest::restart()
+{
+    app = std::make_unique<MCGuiApplication>();
+    app->start({});
+    alerts = testsupport::recordAlerts(); // after the window installed its own
+    w = app->window();
+}
+
+void WindowTest::TearDown()
+{
+#if KESTRANE_HAVE_APP
+    app->delegate()->stopAndEmptyQueue();
+#endif
+    forgetSavedSettings();
 }
 
 void forgetSavedSettings()

@@ -1,9 +1,18 @@
 #pragma once
 
+#include "MCGuiApplication.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
 #include <QList>
 #include <QString>
+#include <QTemporaryDir>
 #include <QUrl>
 
+#include <memory>
+
+class MCMainWindow;
 class QFileDialog;
 class QWidget;
 
@@ -26,5 +35,21 @@ QString makeAvi(const QString &dir, const QString &name, int seconds = 2, const 
 // Empties the settings file the window's tests share, so what one test
 // saved (a tab, a size, presets) does not reach the next.
 void forgetSavedSettings();
+
+// A started window with its alerts recorded and a folder for media; the
+// queue is emptied and the saved settings forgotten afterwards.
+class WindowTest : public ::testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    // A new start of the program on the settings saved so far.
+    void restart();
+
+    QTemporaryDir dir;
+    std::unique_ptr<MCGuiApplication> app;
+    std::shared_ptr<RecordingAlertPresenter> alerts;
+    MCMainWindow *w = nullptr;
+};
 
 } // namespace guitest

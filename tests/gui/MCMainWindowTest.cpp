@@ -30,30 +30,17 @@ void dropOn(MCDropTableView *table, const QList<QUrl> &urls)
     guitest::dropOn(table->viewport(), urls);
 }
 
-class MainWindowTest : public ::testing::Test
+class MainWindowTest : public guitest::WindowTest
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(dir.isValid());
-        app = std::make_unique<MCGuiApplication>();
-        app->start({});
-        alerts = testsupport::recordAlerts(); // after the window installed its own
-    }
-
     QString avi(const QString &name, int seconds = 2)
     {
         return guitest::makeAvi(dir.path(), name, seconds);
     }
-
-    QTemporaryDir dir;
-    std::unique_ptr<MCGuiApplication> app;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
 };
 
 TEST_F(MainWindowTest, DroppedVideoFillsTheTrackTableAndStatusLine)
 {
-    MCMainWindow *w = app->window();
     EXPECT_EQ(w->fileTextField->text(), QStringLiteral("Drop Video File(s) in the Table Below"));
     const QString path = avi(QStringLiteral("clip.avi"));
     dropOn(w->trackTable, {QUrl::fromLocalFile(path)});
@@ -66,7 +53,6 @@ TEST_F(MainWindowTest, DroppedVideoFillsTheTrackTableAndStatusLine)
 
 TEST_F(MainWindowTest, NotAVideoAlertsAndKeepsTheLoadedFile)
 {
-    MCMainWindow *w = app->window();
     const QString path = avi(QStringLiteral("clip.avi"));
     dropOn(w->trackTable, {QUrl::fromLocalFile(path)});
     ASSERT_TRUE(testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000));
@@ -85,7 +71,6 @@ TEST_F(MainWindowTest, NotAVideoAlertsAndKeepsTheLoadedFile)
 
 TEST_F(MainWindowTest, EditFilesTabListsOnlyAvis)
 {
-    MCMainWindow *w = app->window();
     w->tabs->setCurrentIndex(1);
     const QString first = avi(QStringLiteral("a.avi"));
     const QString second = avi(QStringLiteral("b.AVI"));

@@ -27,25 +27,17 @@
 
 namespace {
 
-class WatchWindowTest : public ::testing::Test
+class WatchWindowTest : public guitest::WindowTest
 {
 protected:
     void SetUp() override
     {
         ASSERT_TRUE(folder.isValid() && media.isValid());
-        app = std::make_unique<MCGuiApplication>();
-        app->start({});
-        alerts = testsupport::recordAlerts();
-        main = app->window();
+        WindowTest::SetUp();
+        main = w;
         watch = app->watchWindow();
         controller = app->delegate()->watchModeController;
         app->delegate()->appPreferences->watchFolderURL = QUrl();
-    }
-
-    void TearDown() override
-    {
-        app->delegate()->stopAndEmptyQueue();
-        guitest::forgetSavedSettings();
     }
 
     void enterWatchMode()
@@ -64,8 +56,6 @@ protected:
     }
 
     QTemporaryDir folder, media;
-    std::unique_ptr<MCGuiApplication> app;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
     MCMainWindow *main = nullptr;
     MCWatchWindow *watch = nullptr;
     MCWatchModeController *controller = nullptr;

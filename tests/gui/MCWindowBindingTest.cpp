@@ -52,23 +52,9 @@ QString processState(const QString &pid)
     return line.mid(line.lastIndexOf(QLatin1Char(')')) + 2, 1);
 }
 
-class WindowBindingTest : public ::testing::Test
+class WindowBindingTest : public guitest::WindowTest
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(dir.isValid());
-        app = std::make_unique<MCGuiApplication>();
-        app->start({});
-        alerts = testsupport::recordAlerts();
-        w = app->window();
-    }
-
-    void TearDown() override
-    {
-        app->delegate()->stopAndEmptyQueue();
-    }
-
     // Loads a generated AVI (MPEG-4 video, MP3 audio) into the track table.
     void load(const QString &name, int seconds, const QString &size)
     {
@@ -88,10 +74,6 @@ protected:
         return job && !job->stepPIDList().isEmpty() ? job : nullptr;
     }
 
-    QTemporaryDir dir;
-    std::unique_ptr<MCGuiApplication> app;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
-    MCMainWindow *w = nullptr;
 };
 
 TEST_F(WindowBindingTest, ConvertQueuesAPassThroughJobAndShowsItsProgress)
@@ -200,10 +182,7 @@ TEST_F(WindowBindingTest, ChosenPresetsComeBackAfterARestart)
     w->close();
     ASSERT_TRUE(testsupport::waitUntil([&] { return !w->isVisible(); }, 3000));
 
-    app = std::make_unique<MCGuiApplication>();
-    app->start({});
-    alerts = testsupport::recordAlerts();
-    w = app->window();
+    restart();
     EXPECT_EQ(w->tabs->currentIndex(), 2);
     EXPECT_EQ(w->presetSelectionsPopUp->currentText(), QStringLiteral("First Track"));
     EXPECT_EQ(w->presetSettingsPopUp->currentText(), QStringLiteral("Extract Tracks"));
@@ -211,7 +190,6 @@ TEST_F(WindowBindingTest, ChosenPresetsComeBackAfterARestart)
     drop(w->trackTable, guitest::makeAvi(dir.path(), QStringLiteral("next.avi")));
     ASSERT_TRUE(testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000));
     EXPECT_EQ(w->trackModel->index(0, MCTrackTableModel::SelectedColumn).data(Qt::CheckStateRole).toInt(), Qt::Checked);
-    guitest::forgetSavedSettings();
 }
 
 } // namespace

@@ -28,24 +28,14 @@
 
 namespace {
 
-class WindowInputTest : public ::testing::Test
+class WindowInputTest : public guitest::WindowTest
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(dir.isValid());
-        app = std::make_unique<MCGuiApplication>();
-        app->start({});
-        alerts = testsupport::recordAlerts();
-        w = app->window();
+        WindowTest::SetUp();
         QApplication::setActiveWindow(w);
         ASSERT_TRUE(QTest::qWaitForWindowActive(w));
-    }
-
-    void TearDown() override
-    {
-        app->delegate()->stopAndEmptyQueue();
-        guitest::forgetSavedSettings();
     }
 
     bool ticked(int row) const
@@ -70,10 +60,6 @@ protected:
         return buttons;
     }
 
-    QTemporaryDir dir;
-    std::unique_ptr<MCGuiApplication> app;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
-    MCMainWindow *w = nullptr;
 };
 
 TEST_F(WindowInputTest, OpenAndAddTracksLoadWhatIsTypedIntoQtsOwnFileDialog)
