@@ -278,6 +278,10 @@ TEST_F(KestraneEndToEnd, ConvertsAClipOpenedThroughTheOpenDialogToMpeg4)
     const QString result = work.filePath(results.first());
     EXPECT_EQ(probe(result, QStringLiteral("v"), QStringLiteral("codec_name")), QStringLiteral("mpeg4"));
     EXPECT_FALSE(probe(result, QStringLiteral("a"), QStringLiteral("codec_name")).isEmpty()) << "no audio: the Space tick was lost";
+
+    // Nothing runs any more: the first Quit ends the program.
+    session->key(QStringLiteral("ctrl+q"));
+    EXPECT_TRUE(kestrane.waitForFinished(10000)) << "still running after Ctrl+Q";
 }
 
 TEST_F(KestraneEndToEnd, QuitsAtTheFirstCtrlQ)
