@@ -21,7 +21,20 @@ fi
 
 if [ -x "$root/build/bin/kestrane" ] && { [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; }; then
   exec "$root/build/bin/kestrane" "${files[@]}"
-else
-  # No window available (or no display): print what Kestrane sees in the files.
-  exec "$root/build/bin/kestrane-cli" inspect "${files[@]}"
 fi
+
+# No display: the same conversion through the command line, with its
+# progress, into a fresh folder (Kestrane never writes over a result).
+out_dir="${XDG_CACHE_HOME:-$HOME/.cache}/kestrane/converted-$(date +%Y%m%d-%H%M%S)"
+mkdir -p "$out_dir"
+echo "No display for the window: converting with kestrane-cli instead."
+status=0
+"$root/build/bin/kestrane-cli" convert --save-dir "$out_dir" "${files[@]}" || status=$?
+echo
+if [ -n "$(ls -A "$out_dir")" ]; then
+  echo "The result is in $out_dir:"
+  ls -l "$out_dir"
+else
+  echo "Nothing was written into $out_dir."
+fi
+exit $status

@@ -11,6 +11,7 @@ packages=(
   mediainfo mkvtoolnix mplayer mencoder ffmpeg
   fonts-dejavu-core fontconfig
   xvfb xauth x11-apps imagemagick procps coreutils
+  xdotool dbus-daemon at-spi2-core
 )
 
 missing=()

@@ -2,6 +2,7 @@
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 
 MCDropTableView::MCDropTableView(QWidget *parent)
@@ -11,6 +12,7 @@ MCDropTableView::MCDropTableView(QWidget *parent)
     viewport()->setAcceptDrops(true);
     setDragDropMode(QAbstractItemView::DropOnly);
     setDropIndicatorShown(false);
+    setTabKeyNavigation(false);
 }
 
 QList<QUrl> MCDropTableView::localFilesIn(const QMimeData *data)
@@ -25,29 +27,45 @@ QList<QUrl> MCDropTableView::localFilesIn(const QMimeData *data)
     return files;
 }
 
+bool MCDropTableView::acceptLocalFiles(QDropEvent *event)
+{
+    if (localFilesIn(event->mimeData()).isEmpty()) {
+        event->ignore();
+        return false;
+    }
+    event->acceptProposedAction();
+    return true;
+}
+
 void MCDropTableView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (localFilesIn(event->mimeData()).isEmpty())
-        event->ignore();
-    else
-        event->acceptProposedAction();
+    acceptLocalFiles(event);
 }
 
 void MCDropTableView::dragMoveEvent(QDragMoveEvent *event)
 {
-    if (localFilesIn(event->mimeData()).isEmpty())
-        event->ignore();
-    else
-        event->acceptProposedAction();
+    acceptLocalFiles(event);
 }
 
 void MCDropTableView::dropEvent(QDropEvent *event)
 {
-    const QList<QUrl> files = localFilesIn(event->mimeData());
-    if (files.isEmpty()) {
-        event->ignore();
+    if (acceptLocalFiles(event))
+        emit filesDropped(localFilesIn(event->mimeData()));
+}
+
+void MCDropTableView::keyPressEvent(QKeyEvent *event)
+{
+    const QModelIndex current = currentIndex();
+    if (event->key() != Qt::Key_Space || m_checkColumn < 0 || !current.isValid() || !model()) {
+        QTableView::keyPressEvent(event);
         return;
     }
-    event->acceptProposedAction();
-    emit filesDropped(files);
+    const QModelIndex box = model()->index(current.row(), m_checkColumn);
+    if (!(model()->flags(box) & Qt::ItemIsUserCheckable) || !(model()->flags(box) & Qt::ItemIsEnabled)) {
+        QTableView::keyPressEvent(event);
+        return;
+    }
+    const bool ticked = box.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    model()->setData(box, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+    event->accept();
 }

@@ -2,6 +2,7 @@
 
 #include "MCAlertCenter.h"
 #include "MCGuiAlertPresenter.h"
+#include "MCHelpers.h"
 #include "MCJob.h"
 #include "MCJobTypes.h"
 #include "MCMoviePlayer.h"
@@ -10,15 +11,20 @@
 #include "MCQueueController.h"
 #include "MCQueuePanel.h"
 
+#include "MCAboutBox.h"
+#include "MCDesktopNotification.h"
 #include "MCDropTableView.h"
+#include "MCFileChooser.h"
 #include "MCGuiLinks.h"
 #include "MCPreferencesController.h"
+#include "MCQueueEndNotifier.h"
 #include "MCScreenshotTour.h"
 #include "MCTrackTableModel.h"
 #include "MCVideoFile.h"
 
 #if KESTRANE_HAVE_APP
 #include "MCAppDelegate.h"
+#include "MCPresetsController.h"
 #include "MCWatchModeController.h"
 #include "MCWatchWindow.h"
 #include "MCWindowBinding.h"
@@ -76,7 +82,10 @@ void MCGuiApplication::start(const QStringList &arguments)
     m_preferences->modifyToolTips();
     if (!tour)
         restoreGuiSettings();
+    m_window->fitOnScreen();
     m_window->show();
+    // Again once a window manager has put its frame around the window.
+    QTimer::singleShot(0, m_window.get(), &MCMainWindow::fitOnScreen);
     QList<QUrl> urls;
     for (const QString &file : std::as_const(files))
         urls << QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath());
@@ -106,8 +115,18 @@ void MCGuiApplication::restoreGuiSettings()
     if (settings.contains(kWindowState))
         m_window->restoreState(settings.value(kWindowState).toByteArray());
     const int tab = MCMainWindow::tabNames().indexOf(settings.value(kTab).toString());
+#if KESTRANE_HAVE_APP
+    // A tab change counts as leaving the settings preset; the restored tab
+    // is no such change, so the presets chosen last time are put back after it.
+    const int selectionIndex = m_preferences->selectionIndex;
+    const int settingIndex = m_preferences->settingIndex;
     if (tab >= 0)
         m_window->tabs->setCurrentIndex(tab);
+    m_delegate->presetsController->restoreMethodIndexes(selectionIndex, settingIndex);
+#else
+    if (tab >= 0)
+        m_window->tabs->setCurrentIndex(tab);
+#endif
     m_window->queuePanel->setVisible(settings.value(kQueueVisible, false).toBool());
 }
 
@@ -134,6 +153,7 @@ void MCGuiApplication::wireWindow()
     auto drop = [this](const QList<QUrl> &urls) { openFiles(urls, QStringLiteral("drag")); };
     connect(w->trackTable, &MCDropTableView::filesDropped, this, drop);
     connect(w->fileTable, &MCDropTableView::filesDropped, this, drop);
+    connect(w, &MCMainWindow::filesDropped, this, drop);
     // Without the selection rules only what the loaded file allows is offered.
     for (QPushButton *button : {w->convertButton, w->joinButton, w->splitButton, w->remuxButton, w->startTrackEditButton})
         button->setEnabled(false);
@@ -154,19 +174,20 @@ void MCGuiApplication::wireWindow()
         m_preferences->modifyToolTips();
     });
     connect(w->playButton, &QPushButton::clicked, this, &MCGuiApplication::playMovie);
+    connect(w->aboutAction, &QAction::triggered, this, &MCGuiApplication::showAboutBox);
+    new MCQueueEndNotifier(m_queue, [](const QString &summary, const QString &body) {
+        MCDesktopNotification::send(summary, body);
+    }, this);
     w->askToClose = [this](std::function<void(bool)> reply) { applicationShouldTerminate(reply); };
 }
 
 void MCGuiApplication::openFilePanel(const QString &mode)
 {
-    auto *panel = new QFileDialog(m_window.get(), QStringLiteral("Select video file to open:"));
-    panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setFileMode(mode == QLatin1String("open") ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
-    panel->setWindowModality(Qt::WindowModal);
-    connect(panel, &QFileDialog::urlsSelected, this, [this, mode](const QList<QUrl> &urls) {
-        QTimer::singleShot(100, this, [this, urls, mode] { openFiles(urls, mode); });
-    });
-    panel->open();
+    const auto fileMode = mode == QLatin1String("open") ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile;
+    MCFileChooser::open(m_window.get(), QStringLiteral("Select video file to open:"), fileMode, QString(),
+                        [this, mode](const QList<QUrl> &urls) {
+                            QTimer::singleShot(100, this, [this, urls, mode] { openFiles(urls, mode); });
+                        });
 }
 
 void MCGuiApplication::openFiles(const QList<QUrl> &urls, const QString &mode)
@@ -304,6 +325,13 @@ void MCGuiApplication::startScreenshotTour()
 #endif
     auto *tour = new MCScreenshotTour(stops, this);
     tour->start();
+}
+
+void MCGuiApplication::showAboutBox()
+{
+    auto *about = new MCAboutBox(MCHelpers::resourceFolderPath(), m_window.get());
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->show();
 }
 
 void MCGuiApplication::playMovie()

@@ -43,6 +43,7 @@ public:
     void startScreenshotTour();
     // Plays the ticked tracks of the loaded file in mplayer.
     void playMovie();
+    void showAboutBox();
 
     // Window geometry, tab and queue panel into the preferences' dictionary.
     void createGuiSettingsDictionary();

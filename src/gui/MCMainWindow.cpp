@@ -10,8 +10,12 @@
 #include "MCTrackTableModel.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QButtonGroup>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
@@ -22,8 +26,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QStringListModel>
 #include <QStyle>
@@ -74,6 +80,18 @@ QLineEdit *timeField(QWidget *parent, const QString &name)
     return field;
 }
 
+// The keys people expect everywhere, with the desktop's own where it has
+// others (some desktops define none for Quit or Preferences).
+QList<QKeySequence> withStandardKeys(const QKeySequence &usual, QKeySequence::StandardKey standard)
+{
+    QList<QKeySequence> keys{usual};
+    for (const QKeySequence &key : QKeySequence::keyBindings(standard)) {
+        if (!keys.contains(key))
+            keys << key;
+    }
+    return keys;
+}
+
 } // namespace
 
 const QStringList &MCMainWindow::tabNames()
@@ -88,7 +106,7 @@ MCMainWindow::MCMainWindow(MCPreferences *preferences, MCQueueController *queue,
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("Kestrane"));
-    setAcceptDrops(false);
+    setAcceptDrops(true);
     toolTips = new MCToolTipBinder(preferences, this);
 
     auto *central = new QWidget(this);
@@ -179,6 +197,7 @@ QWidget *MCMainWindow::buildTables()
     trackTable->setAlternatingRowColors(true);
     trackTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     trackTable->setSelectionMode(QAbstractItemView::SingleSelection);
+    trackTable->setCheckColumn(MCTrackTableModel::SelectedColumn);
     auto *header = trackTable->horizontalHeader();
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
     header->setSectionResizeMode(MCTrackTableModel::InfoColumn, QHeaderView::Stretch);
@@ -357,14 +376,20 @@ void MCMainWindow::buildMenus()
 {
     QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
     openAction = file->addAction(QStringLiteral("&Open..."));
-    openAction->setShortcut(QKeySequence::Open);
+    openAction->setShortcuts(withStandardKeys(QKeySequence(Qt::CTRL | Qt::Key_O), QKeySequence::Open));
     addAction = file->addAction(QStringLiteral("&Add Tracks..."));
+    startAction = file->addAction(QStringLiteral("&Start"));
+    startAction->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Return), QKeySequence(Qt::CTRL | Qt::Key_Enter)});
+    connect(startAction, &QAction::triggered, this, [this] {
+        if (QPushButton *button = startButtonOfCurrentTab())
+            button->click();
+    });
     file->addSeparator();
     preferencesAction = file->addAction(QStringLiteral("&Preferences..."));
-    preferencesAction->setShortcut(QKeySequence::Preferences);
+    preferencesAction->setShortcuts(withStandardKeys(QKeySequence(Qt::CTRL | Qt::Key_Comma), QKeySequence::Preferences));
     file->addSeparator();
     quitAction = file->addAction(QStringLiteral("&Quit"));
-    quitAction->setShortcut(QKeySequence::Quit);
+    quitAction->setShortcuts(withStandardKeys(QKeySequence(Qt::CTRL | Qt::Key_Q), QKeySequence::Quit));
 
     QMenu *view = menuBar()->addMenu(QStringLiteral("&View"));
     showQueueAction = queuePanel->toggleViewAction();
@@ -377,6 +402,8 @@ void MCMainWindow::buildMenus()
     help->addSeparator();
     toolTipsAction = help->addAction(QString());
     saveFileInfoAction = help->addAction(QStringLiteral("Save File Info"));
+    help->addSeparator();
+    aboutAction = help->addAction(QStringLiteral("&About Kestrane"));
     auto titleToolTips = [this] {
         toolTipsAction->setText(m_preferences->showToolTipsFlag ? QStringLiteral("Hide Tool Tips") : QStringLiteral("Show Tool Tips"));
     };
@@ -430,16 +457,67 @@ void MCMainWindow::bindToolTips()
     }
 }
 
+QPushButton *MCMainWindow::startButtonOfCurrentTab() const
+{
+    switch (tabs->currentIndex()) {
+    case 0:
+        return convertButton;
+    case 1:
+        return joinButton->isEnabled() ? joinButton : splitButton;
+    case 2:
+        return startTrackEditButton;
+    default:
+        return nullptr;
+    }
+}
+
+void MCMainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    MCDropTableView::acceptLocalFiles(event);
+}
+
+void MCMainWindow::dropEvent(QDropEvent *event)
+{
+    if (MCDropTableView::acceptLocalFiles(event))
+        emit filesDropped(MCDropTableView::localFilesIn(event->mimeData()));
+}
+
+QColor MCMainWindow::colorFor(const QString &name, const QPalette &palette)
+{
+    if (name.compare(QLatin1String("red"), Qt::CaseInsensitive) != 0)
+        return palette.color(QPalette::WindowText);
+    // A plain red is too dark on a dark theme and too light on a light one.
+    return palette.color(QPalette::Base).lightness() < 128 ? QColor(255, 120, 110) : QColor(190, 20, 20);
+}
+
 void MCMainWindow::setColorName(QWidget *widget, const QString &name)
 {
+    // The theme's palette, not the widget's own, which may hold the last colour set.
+    const QPalette theme = QApplication::palette(widget);
+    const QColor color = colorFor(name, theme);
     QPalette palette = widget->palette();
-    const QColor color = name.compare(QLatin1String("red"), Qt::CaseInsensitive) == 0
-                             ? QColor(Qt::red)
-                             : widget->style()->standardPalette().color(QPalette::WindowText);
     palette.setColor(QPalette::WindowText, color);
     palette.setColor(QPalette::ButtonText, color);
     palette.setColor(QPalette::Text, color);
     widget->setPalette(palette);
+}
+
+void MCMainWindow::fitOnScreen()
+{
+    const QScreen *screen = this->screen();
+    if (!screen)
+        return;
+    const QRect available = screen->availableGeometry();
+    // The frame (title bar, borders) counts too; without a window manager it is nil.
+    const QSize frameExtra = frameGeometry().size() - size();
+    const QSize fitting = size().boundedTo(available.size() - frameExtra).expandedTo(minimumSizeHint());
+    if (fitting != size())
+        resize(fitting);
+    const QSize frame = fitting + frameExtra;
+    const int x = qBound(available.left(), frameGeometry().left(), qMax(available.left(), available.right() + 1 - frame.width()));
+    const int y = qBound(available.top(), frameGeometry().top(), qMax(available.top(), available.bottom() + 1 - frame.height()));
+    if (QPoint(x, y) != frameGeometry().topLeft())
+        move(x, y);
 }
 
 void MCMainWindow::closeEvent(QCloseEvent *event)
@@ -449,10 +527,12 @@ void MCMainWindow::closeEvent(QCloseEvent *event)
         return;
     }
     event->ignore();
-    askToClose([this](bool quit) {
-        if (!quit)
+    // Qt drops a close() made inside this event, and the answer may come at
+    // once (no job runs): the approved close is made afresh afterwards.
+    askToClose([self = QPointer<MCMainWindow>(this)](bool quit) {
+        if (!quit || !self)
             return;
-        m_closeApproved = true;
-        close();
+        self->m_closeApproved = true;
+        QMetaObject::invokeMethod(self.data(), &QWidget::close, Qt::QueuedConnection);
     });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QUrl>
 
 #include <functional>
 
@@ -65,8 +66,8 @@ public:
 
     QPushButton *openButton, *addButton, *playButton, *watchButton, *queueButton;
 
-    QAction *openAction, *addAction, *quitAction, *preferencesAction, *showQueueAction;
-    QAction *onlineGuideAction, *troubleshootingAction, *toolTipsAction, *saveFileInfoAction;
+    QAction *openAction, *addAction, *startAction, *quitAction, *preferencesAction, *showQueueAction;
+    QAction *onlineGuideAction, *troubleshootingAction, *toolTipsAction, *saveFileInfoAction, *aboutAction;
 
     MCQueuePanel *queuePanel;
     MCPreferencesController *preferencesPanel;
@@ -75,11 +76,25 @@ public:
     // Asked when the window is closed; reply(true) lets it close.
     std::function<void(std::function<void(bool)>)> askToClose;
 
-    // Sets a field's text colour from the rules' colour names ("black", "red").
+    // Sets a field's text colour from the rules' colour names ("black", "red"):
+    // "black" is the theme's own text colour, red one that reads on the theme.
     static void setColorName(QWidget *widget, const QString &name);
+    static QColor colorFor(const QString &name, const QPalette &palette);
+    // Shrinks and moves the window into the screen's free area.
+    void fitOnScreen();
+
+    // The current tab's start button: Convert, Start, or on Edit Files Join
+    // when the files can be joined and Split otherwise. Disabled: nothing.
+    QPushButton *startButtonOfCurrentTab() const;
+
+signals:
+    // Files dropped anywhere on the window outside the tables, which say so themselves.
+    void filesDropped(const QList<QUrl> &urls);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     QWidget *buildTopBar();

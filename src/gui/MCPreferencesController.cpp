@@ -1,12 +1,12 @@
 #include "MCPreferencesController.h"
 
+#include "MCFileChooser.h"
 #include "MCIntegerField.h"
 #include "MCPreferences.h"
 #include "MCToolTipBinder.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -141,13 +141,8 @@ void MCPreferencesController::savePropertiesToPreferences()
 
 void MCPreferencesController::changeSaveButton()
 {
-    auto *chooser = new QFileDialog(this, QStringLiteral("Select save directory location:"), m_saveField->text());
-    chooser->setAttribute(Qt::WA_DeleteOnClose);
-    chooser->setFileMode(QFileDialog::Directory);
-    chooser->setOption(QFileDialog::ShowDirsOnly);
-    chooser->setWindowModality(Qt::WindowModal);
-    connect(chooser, &QFileDialog::fileSelected, this, [this](const QString &folder) { m_saveField->setText(folder); });
-    chooser->open();
+    MCFileChooser::open(this, QStringLiteral("Select save directory location:"), QFileDialog::Directory,
+                        m_saveField->text(), [this](const QList<QUrl> &urls) { m_saveField->setText(urls.first().toLocalFile()); });
 }
 
 void MCPreferencesController::clearSaveDirectory()
@@ -157,16 +152,11 @@ void MCPreferencesController::clearSaveDirectory()
 
 void MCPreferencesController::changeFontButton()
 {
-    auto *chooser = new QFileDialog(this, QStringLiteral("Choose a Subtitle Font:"),
-                                    QString::fromLatin1(MCPreferences::fontChooserStartFolder));
-    chooser->setAttribute(Qt::WA_DeleteOnClose);
-    chooser->setFileMode(QFileDialog::ExistingFile);
-    chooser->setWindowModality(Qt::WindowModal);
-    connect(chooser, &QFileDialog::fileSelected, this, [this](const QString &file) {
-        m_fontURL = QUrl::fromLocalFile(file);
-        showFontName();
-    });
-    chooser->open();
+    MCFileChooser::open(this, QStringLiteral("Choose a Subtitle Font:"), QFileDialog::ExistingFile,
+                        QString::fromLatin1(MCPreferences::fontChooserStartFolder), [this](const QList<QUrl> &urls) {
+                            m_fontURL = urls.first();
+                            showFontName();
+                        });
 }
 
 void MCPreferencesController::okPreferencesButton()

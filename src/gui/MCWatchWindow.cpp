@@ -1,16 +1,39 @@
 #include "MCWatchWindow.h"
 
+#include "MCDropTableView.h"
+#include "MCFileChooser.h"
+#include "MCJob.h"
+#include "MCQueueController.h"
+#include "MCQueueJobModel.h"
 #include "MCWatchModeController.h"
 
 #include <QCloseEvent>
-#include <QFileDialog>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPropertyAnimation>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+
+namespace {
+
+// The folders among dropped locations; files are not watched folders.
+QList<QUrl> foldersIn(const QMimeData *data)
+{
+    QList<QUrl> folders;
+    for (const QUrl &url : MCDropTableView::localFilesIn(data)) {
+        if (QFileInfo(url.toLocalFile()).isDir())
+            folders << url;
+    }
+    return folders;
+}
+
+} // namespace
 
 MCWatchWindow::MCWatchWindow(MCWatchModeController *controller, QWidget *mainWindow)
     : QWidget(nullptr, Qt::Window)
@@ -19,6 +42,7 @@ MCWatchWindow::MCWatchWindow(MCWatchModeController *controller, QWidget *mainWin
 {
     setWindowTitle(QStringLiteral("Kestrane - Watch Folder"));
     setObjectName(QStringLiteral("watchWindow"));
+    setAcceptDrops(true);
     auto *layout = new QVBoxLayout(this);
     auto *intro = new QLabel(QStringLiteral("Every new video put into this folder is converted with the current presets."), this);
     intro->setWordWrap(true);
@@ -35,23 +59,57 @@ MCWatchWindow::MCWatchWindow(MCWatchModeController *controller, QWidget *mainWin
     layout->addLayout(row);
 
     auto *buttons = new QHBoxLayout;
-    lastTakenUpLabel = new QLabel(QStringLiteral("Waiting for new videos."), this);
-    buttons->addWidget(lastTakenUpLabel, 1);
+    statusLabel = new QLabel(this);
+    buttons->addWidget(statusLabel, 1);
     endButton = new QPushButton(QStringLiteral("End Watch Mode"), this);
     buttons->addWidget(endButton);
     layout->addLayout(buttons);
 
     pathField->setText(controller->watchFolderPath());
-    connect(controller, &MCWatchModeController::watchFolderPathChanged, this,
-            [this] { pathField->setText(m_controller->watchFolderPath()); });
-    connect(controller, &MCWatchModeController::moviesTakenUp, this, [this](const QList<QUrl> &files) {
-        lastTakenUpLabel->setText(QStringLiteral("Last taken up: %1").arg(files.last().fileName()));
+    connect(controller, &MCWatchModeController::watchFolderPathChanged, this, [this] {
+        pathField->setText(m_controller->watchFolderPath());
+        m_dropHint.clear();
+        showStatus();
     });
+    connect(controller, &MCWatchModeController::appIsInWatchModeChanged, this, &MCWatchWindow::showStatus);
+    if (MCQueueController *queue = controller->queueController) {
+        connect(queue->qJobArrayController(), &QAbstractItemModel::rowsInserted, this,
+                [this](const QModelIndex &, int first, int last) { jobsQueued(first, last); });
+    }
     connect(controller, &MCWatchModeController::toggleWindowsRequested, this, &MCWatchWindow::toggleWindows);
     connect(controller, &MCWatchModeController::folderChooserRequested, this, &MCWatchWindow::openFolderChooser);
     connect(chooseButton, &QPushButton::clicked, controller, &MCWatchModeController::chooseWatchFolderURL);
     connect(endButton, &QPushButton::clicked, controller, &MCWatchModeController::endWatchMode);
+    showStatus();
     adjustSize();
+}
+
+void MCWatchWindow::showStatus()
+{
+    QString text;
+    if (!m_dropHint.isEmpty())
+        text = m_dropHint;
+    else if (m_controller->isScanning())
+        text = m_lastTakenUp.isEmpty() ? QStringLiteral("Waiting for new videos.")
+                                       : QStringLiteral("Last taken up: %1").arg(m_lastTakenUp);
+    else if (m_controller->watchFolderPath() != MCWatchModeController::invalidFolderMessage)
+        text = QStringLiteral("Not watching: choose the folder to start again.");
+    // Without a usable folder the folder field already says what to do.
+    statusLabel->setText(text);
+}
+
+void MCWatchWindow::jobsQueued(int first, int last)
+{
+    // Only what the scan queued counts: a movie the presets select nothing
+    // in is taken up by the intake but never queued.
+    if (!m_controller->appIsInWatchMode() || !m_controller->queueController)
+        return;
+    const QList<MCJob *> &jobs = m_controller->queueController->qJobList();
+    if (last >= jobs.size() || first > last)
+        return;
+    m_lastTakenUp = jobs.at(last)->jobFileName;
+    m_dropHint.clear();
+    showStatus();
 }
 
 void MCWatchWindow::closeEvent(QCloseEvent *event)
@@ -63,6 +121,26 @@ void MCWatchWindow::closeEvent(QCloseEvent *event)
         return;
     }
     QWidget::closeEvent(event);
+}
+
+void MCWatchWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    MCDropTableView::acceptLocalFiles(event);
+}
+
+void MCWatchWindow::dropEvent(QDropEvent *event)
+{
+    if (!MCDropTableView::acceptLocalFiles(event))
+        return;
+    const QList<QUrl> folders = foldersIn(event->mimeData());
+    if (folders.isEmpty()) {
+        m_dropHint = QStringLiteral("Drop a folder here to watch it.");
+        showStatus();
+        return;
+    }
+    m_dropHint.clear();
+    m_controller->watchFolderChosen(folders.first());
+    showStatus();
 }
 
 void MCWatchWindow::toggleWindows(bool towardsWatchWindow)
@@ -105,13 +183,11 @@ void MCWatchWindow::switchWindows(QWidget *out, QWidget *in)
 
 void MCWatchWindow::openFolderChooser()
 {
-    auto *panel = new QFileDialog(this, QStringLiteral("Select the folder to watch."));
-    panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setFileMode(QFileDialog::Directory);
-    panel->setOption(QFileDialog::ShowDirsOnly);
-    panel->setWindowModality(Qt::WindowModal);
-    if (m_controller->watchFolderPath().startsWith(QLatin1Char('/')))
-        panel->setDirectory(m_controller->watchFolderPath());
-    connect(panel, &QFileDialog::urlSelected, m_controller, &MCWatchModeController::watchFolderChosen);
-    panel->open();
+    const QString current = m_controller->watchFolderPath();
+    QFileDialog *chooser = MCFileChooser::open(
+        this, QStringLiteral("Select the folder to watch."), QFileDialog::Directory,
+        current.startsWith(QLatin1Char('/')) ? current : QString(),
+        [this](const QList<QUrl> &urls) { m_controller->watchFolderChosen(urls.first()); });
+    // Cancelling leaves the scan stopped; the status says so.
+    connect(chooser, &QDialog::finished, this, &MCWatchWindow::showStatus);
 }

@@ -123,6 +123,7 @@ void MCWindowBinding::bindIntake()
     auto drop = [this](const QList<QUrl> &urls) { openFiles(urls, kDrag); };
     connect(m_window->trackTable, &MCDropTableView::filesDropped, this, drop);
     connect(m_window->fileTable, &MCDropTableView::filesDropped, this, drop);
+    connect(m_window, &MCMainWindow::filesDropped, this, drop);
     connect(m_window->tabs, &QTabWidget::currentChanged, this, [this](int index) {
         if (m_refreshing)
             return;
@@ -347,11 +348,14 @@ void MCWindowBinding::refreshEditTabs()
     showText(w->splitNumber, r.enteredSplitNumber());
     showText(w->parWidth, r.enteredParWidth());
     showText(w->parHeight, r.enteredParHeight());
+    // The split values can be typed whenever a file is listed: canSplit only
+    // says whether the values typed so far make a split.
+    const bool fileListed = !r.currentSelection()->editFilesURLsList.isEmpty();
     const bool byTime = r.splitTypeMatrixIndex == 0;
-    w->splitStartTime->setEnabled(r.canSplit && byTime);
-    w->splitEndTime->setEnabled(r.canSplit && byTime);
-    w->splitSize->setEnabled(r.canSplit && !byTime);
-    w->splitNumber->setEnabled(r.canSplit && !byTime);
+    w->splitStartTime->setEnabled(fileListed && byTime);
+    w->splitEndTime->setEnabled(fileListed && byTime);
+    w->splitSize->setEnabled(fileListed && !byTime);
+    w->splitNumber->setEnabled(fileListed && !byTime);
     w->splitButton->setEnabled(r.canSplit);
     w->joinButton->setEnabled(r.canJoin);
     for (QWidget *control : {static_cast<QWidget *>(w->parWidth), static_cast<QWidget *>(w->parHeight),

@@ -73,6 +73,8 @@ void MCPresetsController::initialize()
                    QStringLiteral("txt")};
     afChannelsList = {P::anyType, P::stereoOnly, P::surroundOnly};
     emit editorChanged();
+    if (appPreferences)
+        restoreMethodIndexes(appPreferences->selectionIndex, appPreferences->settingIndex);
 }
 
 void MCPresetsController::setLanguageNames(const QStringList &names)
@@ -159,9 +161,27 @@ void MCPresetsController::savePresetSettingsListToUserDefaults()
 // ---------------------------------------------------------------------------
 // The presets in force
 
+void MCPresetsController::restoreMethodIndexes(int selectionIndex, int settingIndex)
+{
+    m_selectionMethodIndex = (selectionIndex >= 0 && selectionIndex < presetSelectionsList.size()) ? selectionIndex : 0;
+    m_settingMethodIndex = (settingIndex >= 0 && settingIndex < presetSettingsList.size()) ? settingIndex : 0;
+    rememberMethodIndexes();
+    emit methodIndexesChanged();
+}
+
+void MCPresetsController::rememberMethodIndexes()
+{
+    // Saved with the other preferences at quit.
+    if (!appPreferences)
+        return;
+    appPreferences->selectionIndex = m_selectionMethodIndex;
+    appPreferences->settingIndex = m_settingMethodIndex;
+}
+
 void MCPresetsController::setSelectionMethodIndex(int index)
 {
     m_selectionMethodIndex = (index >= 0 && index < presetSelectionsList.size()) ? index : 0;
+    rememberMethodIndexes();
     emit methodIndexesChanged();
     if (m_selectionMethodIndex != 0)
         presetSelectionsList.at(m_selectionMethodIndex)->makeSelections();
@@ -176,6 +196,7 @@ void MCPresetsController::applyCurrentPresetSelections()
 void MCPresetsController::setSettingMethodIndex(int index)
 {
     m_settingMethodIndex = (index >= 0 && index < presetSettingsList.size()) ? index : 0;
+    rememberMethodIndexes();
     emit methodIndexesChanged();
     if (m_settingMethodIndex == 0)
         return;
@@ -323,6 +344,7 @@ void MCPresetsController::removePresetSelection()
     const int removed = int(presetSelectionsList.indexOf(preset));
     presetSelectionsList.removeAt(removed);
     m_selectionMethodIndex = indexAfterRemoving(m_selectionMethodIndex, removed);
+    rememberMethodIndexes();
     creatSelectionsNamesList();
     emit methodIndexesChanged();
     selectionListTableClicked(m_selectionsTableIndex - 1);
@@ -336,6 +358,7 @@ void MCPresetsController::removePresetSettings()
     const int removed = int(presetSettingsList.indexOf(preset));
     presetSettingsList.removeAt(removed);
     m_settingMethodIndex = indexAfterRemoving(m_settingMethodIndex, removed);
+    rememberMethodIndexes();
     creatSettingsNamesList();
     emit methodIndexesChanged();
     settingsListTableClicked(m_settingsTableIndex - 1);

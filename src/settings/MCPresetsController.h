@@ -79,6 +79,9 @@ public:
     void savePresetSelectionsListToUserDefaults();
     void savePresetSettingsListToUserDefaults();
 
+    // The presets in force at the last run (the preferences' selectionIndex
+    // and settingIndex), put back without applying them: no file is loaded.
+    void restoreMethodIndexes(int selectionIndex, int settingIndex);
     int selectionMethodIndex() const { return m_selectionMethodIndex; }
     void setSelectionMethodIndex(int index);
     Q_INVOKABLE void applyCurrentPresetSelections();
@@ -185,6 +188,7 @@ private:
     void loadFiltersOfSelectedPreset();
     void writeBackFilter(const FilterButton &button);
     void stopAllFilterEditing();
+    void rememberMethodIndexes();
 
     template<typename Preset>
     static QList<std::shared_ptr<Preset>> viewOf(const QList<std::shared_ptr<Preset>> &list);

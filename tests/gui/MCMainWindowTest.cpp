@@ -2,13 +2,18 @@
 #include "MCGuiAlertPresenter.h"
 #include "MCGuiApplication.h"
 #include "MCMainWindow.h"
+#include "MCPreferences.h"
 #include "MCProgressDelegate.h"
 #include "MCTrackTableModel.h"
+#include "GuiTestSupport.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <QApplication>
+#include <QScreen>
 #include <QDropEvent>
 #include <QLabel>
 #include <QMessageBox>
@@ -20,43 +25,22 @@
 
 namespace {
 
-// Drops files on a table the way the desktop does.
 void dropOn(MCDropTableView *table, const QList<QUrl> &urls)
 {
-    QMimeData data;
-    data.setUrls(urls);
-    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(table->viewport(), &enter);
-    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(table->viewport(), &drop);
+    guitest::dropOn(table->viewport(), urls);
 }
 
-class MainWindowTest : public ::testing::Test
+class MainWindowTest : public guitest::WindowTest
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(dir.isValid());
-        app = std::make_unique<MCGuiApplication>();
-        app->start({});
-        alerts = testsupport::recordAlerts(); // after the window installed its own
-    }
-
     QString avi(const QString &name, int seconds = 2)
     {
-        return testsupport::ffmpeg(dir.path(), name,
-                                   QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i sine "
-                                                  "-t %1 -c:v mpeg4 -c:a libmp3lame").arg(seconds));
+        return guitest::makeAvi(dir.path(), name, seconds);
     }
-
-    QTemporaryDir dir;
-    std::unique_ptr<MCGuiApplication> app;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
 };
 
 TEST_F(MainWindowTest, DroppedVideoFillsTheTrackTableAndStatusLine)
 {
-    MCMainWindow *w = app->window();
     EXPECT_EQ(w->fileTextField->text(), QStringLiteral("Drop Video File(s) in the Table Below"));
     const QString path = avi(QStringLiteral("clip.avi"));
     dropOn(w->trackTable, {QUrl::fromLocalFile(path)});
@@ -69,7 +53,6 @@ TEST_F(MainWindowTest, DroppedVideoFillsTheTrackTableAndStatusLine)
 
 TEST_F(MainWindowTest, NotAVideoAlertsAndKeepsTheLoadedFile)
 {
-    MCMainWindow *w = app->window();
     const QString path = avi(QStringLiteral("clip.avi"));
     dropOn(w->trackTable, {QUrl::fromLocalFile(path)});
     ASSERT_TRUE(testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000));
@@ -88,7 +71,6 @@ TEST_F(MainWindowTest, NotAVideoAlertsAndKeepsTheLoadedFile)
 
 TEST_F(MainWindowTest, EditFilesTabListsOnlyAvis)
 {
-    MCMainWindow *w = app->window();
     w->tabs->setCurrentIndex(1);
     const QString first = avi(QStringLiteral("a.avi"));
     const QString second = avi(QStringLiteral("b.AVI"));
@@ -99,6 +81,63 @@ TEST_F(MainWindowTest, EditFilesTabListsOnlyAvis)
     EXPECT_EQ(w->fileModel->stringList(), (QStringList{first, second}));
     ASSERT_EQ(alerts->alerts.size(), 1);
     EXPECT_EQ(alerts->alerts.first().informativeText, QStringLiteral("Kestrane can only edit AVI files."));
+}
+
+// WCAG's contrast ratio of two colours (1 to 21).
+double contrast(const QColor &a, const QColor &b)
+{
+    const auto luminance = [](const QColor &c) {
+        const auto linear = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+        return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) + 0.0722 * linear(c.blueF());
+    };
+    const double la = luminance(a), lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+TEST(MainWindowColours, BlackIsTheThemesTextAndRedReadsOnDarkAndLightThemes)
+{
+    const QPalette original = QApplication::palette();
+    for (const bool dark : {false, true}) {
+        const QColor background = dark ? QColor(0x23, 0x26, 0x29) : QColor(0xfc, 0xfc, 0xfc);
+        const QColor text = dark ? QColor(0xee, 0xee, 0xee) : QColor(0x20, 0x20, 0x20);
+        QPalette theme;
+        for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button})
+            theme.setColor(role, background);
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            theme.setColor(role, text);
+        QApplication::setPalette(theme);
+        QLabel label;
+        MCMainWindow::setColorName(&label, QStringLiteral("red"));
+        const QColor red = label.palette().color(QPalette::WindowText);
+        EXPECT_GE(contrast(red, background), 4.5) << (dark ? "dark" : "light");
+        EXPECT_GT(red.red(), 2 * std::max(red.green(), red.blue())) << "still reads as red";
+        MCMainWindow::setColorName(&label, QStringLiteral("black"));
+        EXPECT_EQ(label.palette().color(QPalette::WindowText), text) << (dark ? "dark" : "light");
+    }
+    QApplication::setPalette(original);
+}
+
+TEST(MainWindowScreen, OpensWithinTheScreenWhateverSizeWasSaved)
+{
+    // Once shown, when the frame around the window is known.
+    const auto fits = [](const MCMainWindow *window) {
+        return testsupport::waitUntil(
+            [&] { return window->screen()->availableGeometry().contains(window->frameGeometry()); }, 1000);
+    };
+    {
+        MCGuiApplication first;
+        first.start({});
+        EXPECT_TRUE(fits(first.window())) << "default size";
+        // A size saved on a larger screen, or at another scale.
+        first.window()->setGeometry(-200, -100, 4000, 3000);
+        first.createGuiSettingsDictionary();
+        MCPreferences::applicationPreferences()->savePreferencesToDefaults();
+    }
+    MCGuiApplication second;
+    second.start({});
+    EXPECT_TRUE(fits(second.window())) << second.window()->frameGeometry().width() << "x"
+                                       << second.window()->frameGeometry().height();
+    guitest::forgetSavedSettings();
 }
 
 TEST(ProgressDelegate, ReadsTheTrailingPercentageOnly)

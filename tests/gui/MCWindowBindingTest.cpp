@@ -12,6 +12,7 @@
 #include "MCSelectionController.h"
 #include "MCVideoFile.h"
 #include "MCTrackTableModel.h"
+#include "GuiTestSupport.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -25,22 +26,20 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QStackedWidget>
+#include <QStringListModel>
 #include <QTabWidget>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTableView>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QComboBox>
 
 namespace {
 
 void drop(MCDropTableView *table, const QString &path)
 {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(path)});
-    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(table->viewport(), &enter);
-    QDropEvent event(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(table->viewport(), &event);
+    guitest::dropOn(table->viewport(), {QUrl::fromLocalFile(path)});
 }
 
 // The scheduler state of a process ("T" when stopped).
@@ -53,31 +52,13 @@ QString processState(const QString &pid)
     return line.mid(line.lastIndexOf(QLatin1Char(')')) + 2, 1);
 }
 
-class WindowBindingTest : public ::testing::Test
+class WindowBindingTest : public guitest::WindowTest
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(dir.isValid());
-        app = std::make_unique<MCGuiApplication>();
-        app->start({});
-        alerts = testsupport::recordAlerts();
-        w = app->window();
-    }
-
-    void TearDown() override
-    {
-        app->delegate()->stopAndEmptyQueue();
-    }
-
     // Loads a generated AVI (MPEG-4 video, MP3 audio) into the track table.
     void load(const QString &name, int seconds, const QString &size)
     {
-        const QString path = testsupport::ffmpeg(
-            dir.path(), name,
-            QStringLiteral("-f lavfi -i testsrc=size=%1:rate=25 -f lavfi -i sine -t %2 -c:v mpeg4 -c:a libmp3lame")
-                .arg(size)
-                .arg(seconds));
+        const QString path = guitest::makeAvi(dir.path(), name, seconds, size);
         drop(w->trackTable, path);
         ASSERT_TRUE(testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000));
         EXPECT_EQ(w->fileTextField->text(), path);
@@ -93,10 +74,6 @@ protected:
         return job && !job->stepPIDList().isEmpty() ? job : nullptr;
     }
 
-    QTemporaryDir dir;
-    std::unique_ptr<MCGuiApplication> app;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
-    MCMainWindow *w = nullptr;
 };
 
 TEST_F(WindowBindingTest, ConvertQueuesAPassThroughJobAndShowsItsProgress)
@@ -162,6 +139,57 @@ TEST_F(WindowBindingTest, QuitWithARunningJobAndCancelLeavesItPaused)
         << processState(pid).toStdString();
     EXPECT_TRUE(app->queue()->qJobIsRunning());
     EXPECT_EQ(app->queue()->qJobList().size(), 1);
+}
+
+TEST_F(WindowBindingTest, SplitByTimeTakesTypedTimesOnceAFileIsListed)
+{
+    w->tabs->setCurrentIndex(1);
+    EXPECT_FALSE(w->splitEndTime->isEnabled()); // nothing to split yet
+    drop(w->fileTable, guitest::makeAvi(dir.path(), QStringLiteral("part.avi"), 4));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return w->fileModel->rowCount() == 1; }, 20000));
+    ASSERT_TRUE(w->splitTypeMatrix->button(0)->isChecked());
+    EXPECT_TRUE(w->splitStartTime->isEnabled());
+    EXPECT_TRUE(w->splitEndTime->isEnabled());
+    EXPECT_FALSE(w->splitButton->isEnabled()); // 00:00:00 to 00:00:00 is no range
+
+    // Typed into the mask: the digits overwrite in place.
+    w->splitEndTime->setFocus();
+    w->splitEndTime->setCursorPosition(7);
+    QTest::keyClicks(w->splitEndTime, QStringLiteral("3"));
+    EXPECT_EQ(w->splitEndTime->text(), QStringLiteral("00:00:03"));
+    ASSERT_TRUE(w->splitButton->isEnabled());
+    w->splitButton->click();
+    ASSERT_EQ(app->queue()->qJobList().size(), 1);
+    EXPECT_EQ(app->queue()->qJobList().first()->jobType, QStringLiteral("AVI Splitting"));
+
+    // By size, the size fields are the ones to type in.
+    w->splitTypeMatrix->button(1)->click();
+    EXPECT_FALSE(w->splitEndTime->isEnabled());
+    EXPECT_TRUE(w->splitSize->isEnabled());
+    EXPECT_TRUE(w->splitNumber->isEnabled());
+}
+
+TEST_F(WindowBindingTest, ChosenPresetsComeBackAfterARestart)
+{
+    const auto choose = [](QComboBox *popUp, const QString &name) {
+        const int index = popUp->findText(name);
+        ASSERT_GE(index, 0) << name.toStdString();
+        popUp->setCurrentIndex(index);
+        emit popUp->activated(index);
+    };
+    choose(w->presetSelectionsPopUp, QStringLiteral("First Track"));
+    choose(w->presetSettingsPopUp, QStringLiteral("Extract Tracks")); // also switches to Edit Tracks
+    w->close();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !w->isVisible(); }, 3000));
+
+    restart();
+    EXPECT_EQ(w->tabs->currentIndex(), 2);
+    EXPECT_EQ(w->presetSelectionsPopUp->currentText(), QStringLiteral("First Track"));
+    EXPECT_EQ(w->presetSettingsPopUp->currentText(), QStringLiteral("Extract Tracks"));
+    // In force for the next file: its first tracks are ticked without a click.
+    drop(w->trackTable, guitest::makeAvi(dir.path(), QStringLiteral("next.avi")));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000));
+    EXPECT_EQ(w->trackModel->index(0, MCTrackTableModel::SelectedColumn).data(Qt::CheckStateRole).toInt(), Qt::Checked);
 }
 
 } // namespace

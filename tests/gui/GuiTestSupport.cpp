@@ -1,0 +1,104 @@
+#include "GuiTestSupport.h"
+
+#if KESTRANE_HAVE_APP
+#include "MCAppDelegate.h"
+#endif
+
+#include "TestSupport.h"
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QSettings>
+#include <QTest>
+
+namespace guitest {
+
+void dropOn(QWidget *target, const QList<QUrl> &urls)
+{
+    QMimeData data;
+    data.setUrls(urls);
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    if (!enter.isAccepted())
+        return; // refused, as the desktop would see it
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &drop);
+}
+
+QFileDialog *shownFileDialog()
+{
+    QFileDialog *found = nullptr;
+    testsupport::waitUntil(
+        [&] {
+            for (QWidget *window : QApplication::topLevelWidgets()) {
+                if (auto *dialog = qobject_cast<QFileDialog *>(window); dialog && dialog->isVisible())
+                    found = dialog;
+            }
+            return found != nullptr;
+        },
+        5000);
+    return found;
+}
+
+bool typeIntoFileDialog(const QString &path)
+{
+    QFileDialog *dialog = shownFileDialog();
+    if (!dialog)
+        return false;
+    auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    if (!name)
+        return false;
+    // Typed with the focus in the field, as a person does: without it the
+    // dialog rewrites the field whenever its list selection follows the text.
+    QApplication::setActiveWindow(dialog);
+    if (!QTest::qWaitForWindowActive(dialog))
+        return false;
+    name->setFocus();
+    name->clear();
+    QTest::keyClicks(name, path);
+    QTest::keyClick(name, Qt::Key_Return);
+    return true;
+}
+
+QString makeAvi(const QString &dir, const QString &name, int seconds, const QString &size)
+{
+    return testsupport::ffmpeg(dir, name,
+                               QStringLiteral("-f lavfi -i testsrc=size=%1:rate=25 -f lavfi -i sine -t %2 "
+                                              "-c:v mpeg4 -c:a libmp3lame")
+                                   .arg(size)
+                                   .arg(seconds));
+}
+
+void WindowTest::SetUp()
+{
+    ASSERT_TRUE(dir.isValid());
+    restart();
+}
+
+void WindowTest::restart()
+{
+    app = std::make_unique<MCGuiApplication>();
+    app->start({});
+    alerts = testsupport::recordAlerts(); // after the window installed its own
+    w = app->window();
+}
+
+void WindowTest::TearDown()
+{
+#if KESTRANE_HAVE_APP
+    app->delegate()->stopAndEmptyQueue();
+#endif
+    forgetSavedSettings();
+}
+
+void forgetSavedSettings()
+{
+    QSettings settings(QStringLiteral("Kestrane"), QStringLiteral("Kestrane"));
+    settings.clear();
+    settings.sync();
+}
+
+} // namespace guitest

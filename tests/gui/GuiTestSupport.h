@@ -1,0 +1,55 @@
+#pragma once
+
+#include "MCGuiApplication.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QList>
+#include <QString>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <memory>
+
+class MCMainWindow;
+class QFileDialog;
+class QWidget;
+
+// What the window's tests do the way a person does it.
+namespace guitest {
+
+// Drops locations on a widget as a file manager does (text/uri-list).
+void dropOn(QWidget *target, const QList<QUrl> &urls);
+
+// The file dialog on screen, waited for up to a few seconds (null if none).
+QFileDialog *shownFileDialog();
+
+// Types a path into the file dialog on screen and presses Return;
+// answers whether there was a dialog to type into.
+bool typeIntoFileDialog(const QString &path);
+
+// A small AVI (MPEG-4 video, MP3 audio) written into dir.
+QString makeAvi(const QString &dir, const QString &name, int seconds = 2, const QString &size = QStringLiteral("160x120"));
+
+// Empties the settings file the window's tests share, so what one test
+// saved (a tab, a size, presets) does not reach the next.
+void forgetSavedSettings();
+
+// A started window with its alerts recorded and a folder for media; the
+// queue is emptied and the saved settings forgotten afterwards.
+class WindowTest : public ::testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    // A new start of the program on the settings saved so far.
+    void restart();
+
+    QTemporaryDir dir;
+    std::unique_ptr<MCGuiApplication> app;
+    std::shared_ptr<RecordingAlertPresenter> alerts;
+    MCMainWindow *w = nullptr;
+};
+
+} // namespace guitest
