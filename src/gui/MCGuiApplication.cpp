@@ -91,6 +91,11 @@ void MCGuiApplication::start(const QStringList &arguments)
         urls << QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath());
     if (!urls.isEmpty())
         QTimer::singleShot(0, this, [this, urls] { openFiles(urls, QStringLiteral("drag")); });
+#if KESTRANE_HAVE_APP
+    // Jobs a killed Kestrane left behind are offered once the window stands.
+    if (!tour)
+        QTimer::singleShot(0, m_delegate, &MCAppDelegate::offerInterruptedJobs);
+#endif
     if (tour) {
         m_tourFiles = urls;
         startScreenshotTour();
