@@ -86,8 +86,7 @@ void MCAppDelegate::applicationDidFinishLaunching()
     selectionController->setCurrentSelection(currentSelection);
     selectionController->setCurrentVideoFile(currentVideoFile);
     selectionController->initialize();
-    queueController = new MCQueueController(this);
-    queueController->appPreferences = appPreferences;
+    queueController = new MCQueueController(this, appPreferences);
     queueController->setJournal(&m_journal);
     watchModeController = new MCWatchModeController(this);
     watchModeController->appDelegate = this;

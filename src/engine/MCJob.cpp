@@ -192,6 +192,7 @@ void MCJob::startStep(const MCConverterPtr &step, bool addStartRow)
         return;
     }
     step->stagingFolder = m_staging.path();
+    step->appPreferences = appPreferences;
     step->onToolEnded = [job = QPointer<MCJob>(this)] {
         if (job)
             job->wakeMonitor();

@@ -26,12 +26,12 @@ const QString kResume = QStringLiteral("Resume");
 
 } // namespace
 
-MCQueueController::MCQueueController(QObject *parent)
+MCQueueController::MCQueueController(QObject *parent, MCPreferences *preferences)
     : QObject(parent)
     , m_jobModel(new MCQueueJobModel(this))
     , m_progressModel(new MCProgressTableModel(this))
 {
-    appPreferences = MCPreferences::applicationPreferences();
+    appPreferences = preferences ? preferences : MCPreferences::applicationPreferences();
     m_qTimer.setInterval(1000);
     connect(&m_qTimer, &QTimer::timeout, this, &MCQueueController::theQueueLoop);
     initialize();
@@ -103,6 +103,7 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
         job->setJobStatus(kQueued);
         job->jobFileName = fileName;
         job->jobSelection = jobSelection;
+        job->appPreferences = appPreferences;
         if (m_journal)
             job->journalId = m_journal->record(job->jobType, fileName, *jobSelection);
         appendJob(job);

@@ -26,7 +26,9 @@ class MCQueueController : public QObject, public MCHelpers
     Q_PROPERTY(bool qJobIsRunning READ qJobIsRunning NOTIFY qJobIsRunningChanged)
 
 public:
-    explicit MCQueueController(QObject *parent = nullptr);
+    // The queue hands its preferences to every job it makes, and each job to
+    // its steps; by default the application's.
+    explicit MCQueueController(QObject *parent = nullptr, MCPreferences *preferences = nullptr);
     // A job still running is stopped: no tool outlives the queue.
     ~MCQueueController() override;
 

@@ -116,12 +116,7 @@ MCPreferences::~MCPreferences() = default;
 
 MCPreferences *MCPreferences::applicationPreferences()
 {
-    if (MCPreferences *installed = installedPreferences())
-        return installed;
-    static std::unique_ptr<MCPreferences> fallback;
-    if (!fallback)
-        fallback = std::make_unique<MCPreferences>();
-    return fallback.get();
+    return installedPreferences();
 }
 
 void MCPreferences::setApplicationPreferences(MCPreferences *preferences)

@@ -36,8 +36,8 @@ public:
     explicit MCPreferences(const QString &settingsFilePath, QObject *parent = nullptr);
     ~MCPreferences() override;
 
-    // The application's one preferences object. Until one is set, a store on
-    // the user's own settings is made on first use.
+    // The application's one preferences object, once the application set
+    // it; null before. Nothing opens the user's settings behind its back.
     static MCPreferences *applicationPreferences();
     static void setApplicationPreferences(MCPreferences *preferences);
 

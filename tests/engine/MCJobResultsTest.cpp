@@ -1,5 +1,7 @@
 #include "EngineTestSupport.h"
+#include "MCJobFactory.h"
 #include "MCJobStaging.h"
+#include "MCQueueController.h"
 #include "MCResultCheck.h"
 #include "MCNotificationCenter.h"
 #include "MCToolLog.h"
@@ -226,6 +228,43 @@ TEST_F(ResultCheckTest, AcceptsTheRealThingAndNamesWhatIsWrongWithTheRest)
                                                        u"-f lavfi -i testsrc2=s=160x120:r=25:d=3 -f lavfi -i sine=d=3 -c:v mpeg4 -c:a mp2"_s),
                                    cut),
               QString());
+}
+
+} // namespace
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+TEST(PreferencesHandOver, TheQueueHandsItsPreferencesToJobsAndJobsToTheirSteps)
+{
+    PrivatePreferences installed;
+    QTemporaryDir elsewhere;
+    MCPreferences own(elsewhere.filePath(u"own.ini"_s));
+    own.saveDirectoryURL = QUrl::fromLocalFile(elsewhere.path());
+    own.keepLogsFlag = false;
+
+    MCJobFactory::instance().registerJobType(u"MCConvertToAviJob"_s, [](QObject *parent) { return new StepsJob(parent); });
+    {
+        MCQueueController queue(nullptr, &own);
+        queue.addToQueue(selectionFor(installed.dir.filePath(u"clip.avi"_s)));
+        ASSERT_EQ(queue.qJobList().size(), 1);
+        EXPECT_EQ(queue.qJobList().first()->appPreferences, &own);
+    }
+
+    // A step writes where its job's preferences say, not the installed ones.
+    bool done = false;
+    QObject receiver;
+    MCNotificationCenter::defaultCenter().addObserver(&receiver, MCNotificationName::jobDone,
+                                                      [&done](const MCNotification &) { done = true; });
+    StepsJob job;
+    job.appPreferences = &own;
+    job.jobSelection = selectionFor(installed.dir.filePath(u"clip.avi"_s));
+    job.steps = {std::make_shared<ShellStep>(u"printf film > OUT"_s, u"clip.avi.avi"_s)};
+    job.startJob();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return done; }, 20000));
+    EXPECT_EQ(job.resultPaths(), QStringList{elsewhere.filePath(u"clip.avi.avi"_s)});
+    EXPECT_TRUE(QDir(installed.saveFolder).isEmpty());
 }
 
 } // namespace
