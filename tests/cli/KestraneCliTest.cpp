@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -243,6 +244,39 @@ TEST_F(CliJobs, EditingCommandsWriteTheirResults)
     result = runCli(common() + QStringList{QStringLiteral("remux"), one});
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.err.contains(QStringLiteral("remux takes a Matroska")));
+}
+
+TEST_F(CliJobs, ChoicesTheWindowRefusesExitTwoWithTheReason)
+{
+    // H.264 of no declared bit rate with stereo AAC: what the rules refuse
+    // is refused here too, before anything runs, in the rules' words.
+    const QString mkv = threeTrackMkv();
+    const QString name = QFileInfo(mkv).fileName();
+    const struct
+    {
+        QStringList options;
+        QString reason;
+    } cases[] = {
+        {{QStringLiteral("--tracks"), QStringLiteral("1,2")},
+         QStringLiteral("An AVI cannot hold AAC audio as it is: choose MP3.")},
+        {{QStringLiteral("--tracks"), QStringLiteral("1,2"), QStringLiteral("--audio"), QStringLiteral("ac3")},
+         QStringLiteral("AC-3 5.1 needs a surround track of 6 channels; this one has 2: choose MP3.")},
+        {{QStringLiteral("--tracks"), QStringLiteral("1,2"), QStringLiteral("--video"), QStringLiteral("mpeg4"),
+          QStringLiteral("--audio"), QStringLiteral("mp3")},
+         QStringLiteral("This video does not declare its bit rate: enter the MPEG-4 video bit rate in kbit/s.")},
+        {{QStringLiteral("--audio"), QStringLiteral("mp3"), QStringLiteral("--audio-bitrate"), QStringLiteral("448"),
+          QStringLiteral("--video"), QStringLiteral("mpeg4"), QStringLiteral("--bitrate"), QStringLiteral("300")},
+         QStringLiteral("MP3 goes up to 320 kbit/s: choose a lower audio bit rate.")},
+    };
+    for (const auto &c : cases) {
+        for (const QStringList &dryRun : {QStringList(), QStringList{QStringLiteral("--dry-run")}}) {
+            const CliResult result = runCli(common() + QStringList{QStringLiteral("convert")} + dryRun + c.options + QStringList{mkv});
+            EXPECT_EQ(result.status, 2) << c.options.join(' ').toStdString();
+            EXPECT_EQ(result.err, QStringLiteral("kestrane-cli: %1: %2\n").arg(name, c.reason));
+            EXPECT_TRUE(result.out.isEmpty()) << result.out.toStdString();
+        }
+    }
+    EXPECT_TRUE(filesIn(saveDir.path()).isEmpty()) << filesIn(saveDir.path()).join(' ').toStdString();
 }
 
 TEST_F(CliJobs, DryRunPrintsTheCommandsAndWritesNothing)
