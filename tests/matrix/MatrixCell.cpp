@@ -169,7 +169,7 @@ QString MatrixCell::checkExtractedSubtitle() const
 
 QString MatrixCell::checkBurnedSubtitle(const QString &avi) const
 {
-    if (!m_choice.burnsSubtitle)
+    if (!m_choice.burnsSubtitle || !m_source.source.subtitles)
         return {};
     // The line is shown from 0.1 s to 1.9 s at the bottom: there the picture
     // differs from the source's row by row far more than encoding noise does.

@@ -17,8 +17,11 @@ QList<MatrixChoice> MatrixChoice::all()
     using V = Video;
     using A = Audio;
     QList<MatrixChoice> choices;
-    // "First Track" and "Manual": whatever the rules start with.
-    choices.append({QStringLiteral("defaults"), {}, V::AsSource, A::AsSource});
+    // "First Track" and "Manual": whatever the rules start with, which burns
+    // the first subtitle.
+    MatrixChoice defaults{QStringLiteral("defaults"), {}, V::AsSource, A::AsSource};
+    defaults.burnsSubtitle = true;
+    choices.append(defaults);
     choices.append({QStringLiteral("passthru"),
                     kVideoAndAudio + QStringList{QStringLiteral("--video"), QStringLiteral("passthru"),
                                                  QStringLiteral("--audio"), QStringLiteral("passthru")},

@@ -20,7 +20,7 @@ struct MatrixChoice
     int width = 0;                // 0: as the source
     bool needsSubtitles = false;  // only for sources with a subtitle
     bool extractsSubtitle = false;
-    bool burnsSubtitle = false;
+    bool burnsSubtitle = false;   // when the source has a subtitle
     bool mustConvert = false;     // a refusal is a fault
 
     bool appliesTo(const MatrixSource &source) const { return !needsSubtitles || source.subtitles; }
