@@ -65,6 +65,7 @@ TEST(MCSelectionControllerTest, ChoicesTheToolsCannotDoAreRefusedWithAReason)
         int audioRow;
         const char *typedBitRate;
         const char *refusal; // part of the reason; nullptr: may convert
+        const char *extension = "avi";
     };
     const Case cases[] = {
         {"AAC passed through", {{"Video", "mpeg4"}, {"Audio", "aac", "2"}}, 0, 0, "1000", "cannot hold AAC audio as it is: choose MP3."},
@@ -82,13 +83,16 @@ TEST(MCSelectionControllerTest, ChoicesTheToolsCannotDoAreRefusedWithAReason)
          "Burning a subtitle needs the video re-encoded"},
         {"burning into MPEG-4", {{"Video", "mpeg4"}, {"Audio", "mp3", "2"}, {"Subtitle", "srt"}}, 1, 0, "1000", nullptr},
         {"VP9 passed through", {{"Video", "vp9"}, {"Audio", "mp3", "2"}}, 0, 0, "1000", "cannot hold VP9 video"},
+        {"MPEG-2 passed through from a TS", {{"Video", "mpeg2"}, {"Audio", "mp2", "2"}}, 0, 0, "1000",
+         "out of a transport stream", "m2ts"},
+        {"MPEG-2 passed through from a VOB", {{"Video", "mpeg2"}, {"Audio", "ac3", "6"}}, 0, 0, "1000", nullptr, "vob"},
         {"two audio tracks", {{"Video", "h264"}, {"Audio", "mp3", "2"}, {"Audio", "ac3", "6"}}, 0, 0, "1000",
          "(selected: 1 video, 2 audio, 0 subtitle)"},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.what);
         Rules r;
-        auto file = makeFile(c.tracks);
+        auto file = makeFile(c.tracks, QString::fromLatin1(c.extension));
         file->theVideoBitRate = QString::fromLatin1(c.typedBitRate) == QLatin1String("0") ? QStringLiteral("0")
                                                                                           : QStringLiteral("1000");
         r.load(file);
