@@ -41,8 +41,8 @@ QString displayName(const QString &trackCodec)
 bool MCAviRefusal::aviCarriesAudio(const QString &trackCodec)
 {
     // MEncoder copies these into an AVI in step and players read them there;
-    // AAC, Vorbis, Opus, FLAC and the newer surround codecs it refuses, or
-    // writes in a form nothing plays.
+    // AAC, Opus and the newer surround codecs it refuses, Vorbis and FLAC it
+    // writes in a form devices do not play.
     static const QStringList carried{QStringLiteral("mp3"), QStringLiteral("mp2"), QStringLiteral("ac3"),
                                      QStringLiteral("dts"), QStringLiteral("wav"), QStringLiteral("wma")};
     return carried.contains(trackCodec);
@@ -65,7 +65,7 @@ QString MCAviRefusal::reasonFor(const MCSelection &selection, bool typedBitRateV
 QString MCAviRefusal::videoReason(const MCSelection &selection, const MCVideoTrack &video, bool typedBitRateValid)
 {
     if (video.userCodec == kPassthru) {
-        // MEncoder copies these, but under a tag no player or tool reads.
+        // MEncoder copies these, under tags AVI players and mediainfo do not know.
         if (video.trackCodec == QLatin1String("vp9") || video.trackCodec == QLatin1String("av1"))
             return QStringLiteral("An AVI cannot hold %1 video as it is: choose MPEG-4.").arg(displayName(video.trackCodec));
         // Copied out of a transport stream, MPEG-2 loses its first pictures
