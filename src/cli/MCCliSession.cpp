@@ -239,7 +239,11 @@ void MCCliSession::applyExplicitSettings()
 
 void MCCliSession::takeSelection(const MCSelectionPtr &selection)
 {
-    const bool converting = m_options.command == QStringLiteral("convert") && selection->jobType != QStringLiteral("MKV Remux");
+    // A watched folder's movies converted to AVI are refused alike.
+    const bool watchedConversion = m_options.command == QStringLiteral("watch")
+                                   && m_app->selectionController->currentTab() == MCSelectionController::tabAvi;
+    const bool converting = (m_options.command == QStringLiteral("convert") || watchedConversion)
+                            && selection->jobType != QStringLiteral("MKV Remux");
     if (converting) {
         // A file that did not load has had its alert already.
         if (m_app->currentVideoFile->trackList.isEmpty())
@@ -490,5 +494,5 @@ int MCCliSession::watch()
     loop.exec();
     if (m_jobCutShort)
         return 128 + m_signal;
-    return m_watcher->failedCount() > 0 ? 1 : 0;
+    return (m_watcher->failedCount() > 0 || m_refused) ? 1 : 0;
 }

@@ -362,9 +362,15 @@ TEST_F(CliJobs, WatchConvertsWhatIsDroppedInUntilInterrupted)
     const QString result = folder.path() + QStringLiteral("/dropped.avi.avi");
     QByteArray out;
     ASSERT_TRUE(testsupport::waitUntil([&] { return (out += cli.readAllStandardOutput()).contains("Completed: dropped.avi"); }, 90000));
+    // A movie the presets' choices cannot make is refused as convert does, and left alone.
+    ASSERT_TRUE(QFile::copy(threeTrackMkv(), folder.path() + QStringLiteral("/refused.mkv")));
+    QByteArray err;
+    ASSERT_TRUE(testsupport::waitUntil([&] { return (err += cli.readAllStandardError()).contains("kestrane-cli: refused.mkv: "); },
+                                       90000));
     ::kill(static_cast<pid_t>(cli.processId()), SIGINT);
     ASSERT_TRUE(cli.waitForFinished(30000));
-    EXPECT_EQ(cli.exitCode(), 0) << QString::fromUtf8(cli.readAllStandardError()).toStdString();
+    EXPECT_EQ(cli.exitCode(), 1) << err.toStdString();
+    EXPECT_FALSE(QFile::exists(folder.path() + QStringLiteral("/refused.mkv.avi")));
     EXPECT_EQ(testsupport::mediaInfo(result, QStringLiteral("Video"), QStringLiteral("Format")), QStringLiteral("MPEG-4 Visual"));
     EXPECT_FALSE(QFile::exists(folder.path() + QStringLiteral("/already.avi.avi")));
 }
