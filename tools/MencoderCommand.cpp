@@ -136,18 +136,20 @@ void readOption(MencoderCommand &command, const std::string &option, const std::
         command.audioId = static_cast<int>(wholeNumber(value, "-aid", 0, 8191));
     else if (option == "-audiofile")
         command.audioFile = value;
+    else if (option == "-demuxer")
+        command.demuxer = value;
 }
 
 } // namespace
 
-std::string audioCodecOf(const std::vector<std::string> &arguments)
+std::string optionValueOf(const std::vector<std::string> &arguments, const std::string &option)
 {
-    std::string codec;
+    std::string value;
     for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {
-        if (arguments[i] == "-oac")
-            codec = arguments[i + 1];
+        if (arguments[i] == option)
+            value = arguments[i + 1];
     }
-    return codec;
+    return value;
 }
 
 bool MencoderCommand::needsFront() const
@@ -185,7 +187,8 @@ MencoderCommand parseMencoderCommand(const std::vector<std::string> &arguments)
     return command;
 }
 
-std::vector<std::string> MencoderCommand::withEncodedAudio(const std::string &encodedAudio) const
+std::vector<std::string> MencoderCommand::withEncodedAudio(const std::string &encodedAudio,
+                                                          const std::vector<std::string> &readerOptions) const
 {
     std::vector<std::string> result;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -209,6 +212,7 @@ std::vector<std::string> MencoderCommand::withEncodedAudio(const std::string &en
     }
     for (const char *extra : {"-audiofile", encodedAudio.c_str(), "-oac", "copy"})
         result.emplace_back(extra);
+    result.insert(result.end(), readerOptions.begin(), readerOptions.end());
     return result;
 }
 

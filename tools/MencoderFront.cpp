@@ -1,5 +1,6 @@
 #include "MencoderFront.h"
 
+#include "AudioCopier.h"
 #include "AudioEncoder.h"
 #include "MencoderCommand.h"
 #include "OutputFile.h"
@@ -10,7 +11,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <unistd.h>
+
+extern "C" {
+#include <libavutil/opt.h>
+}
 
 namespace mediatool {
 namespace {
@@ -61,22 +67,28 @@ int nthAudioStream(const AVFormatContext *input, int wanted)
 }
 
 // The stream MEncoder's -aid N names. Its demuxers number streams
-// differently: AVI and FLV by stream number, Matroska, MP4/MOV and Ogg by
-// audio track (0 = the first), ASF, MPEG-PS and MPEG-TS by the stream's own
-// id (PS sub-stream, TS PID). Elsewhere the stream's id is tried, then the
-// Nth audio track.
-int streamForAudioId(const AVFormatContext *input, int id)
+// differently: AVI by stream number, Matroska, MP4/MOV, Ogg and FLV (read
+// through FFmpeg) by audio track (0 = the first), ASF, MPEG-PS and MPEG-TS
+// by the stream's own id (TS PID, PS sub-stream id; MPEG audio in a PS from
+// 0 for stream 0xC0). Elsewhere the stream's id is tried, then the Nth audio
+// track. Read through FFmpeg's demuxers (-demuxer lavf), every file numbers
+// by audio track.
+int streamForAudioId(const AVFormatContext *input, int id, bool throughLavf)
 {
     auto isAudio = [input](int index) {
         return index >= 0 && index < static_cast<int>(input->nb_streams)
                && input->streams[index]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
     };
-    if (isContainer(input, {"avi", "flv"}))
-        return isAudio(id) ? id : -1;
-    if (isContainer(input, {"matroska", "mov", "ogg"}))
+    if (throughLavf || isContainer(input, {"matroska", "mov", "ogg", "flv"}))
         return nthAudioStream(input, id);
+    if (isContainer(input, {"avi"}))
+        return isAudio(id) ? id : -1;
+    constexpr int kFirstMpegAudio = 0x1C0;
+    const bool programStream = std::strcmp(input->iformat->name, "mpeg") == 0;
     for (unsigned i = 0; i < input->nb_streams; ++i) {
-        if (input->streams[i]->id == id && isAudio(static_cast<int>(i)))
+        const int streamId = input->streams[i]->id;
+        const bool named = streamId == id || (programStream && id < 32 && streamId == kFirstMpegAudio + id);
+        if (named && isAudio(static_cast<int>(i)))
             return static_cast<int>(i);
     }
     return nthAudioStream(input, id);
@@ -95,7 +107,7 @@ ChosenAudio chooseAudio(const MencoderCommand &command)
     chosen.file = openMediaFile(external ? command.audioFile : command.input);
     AVFormatContext *file = chosen.file.get();
     const std::string &path = external ? command.audioFile : command.input;
-    const int stream = command.audioId ? streamForAudioId(file, *command.audioId)
+    const int stream = command.audioId ? streamForAudioId(file, *command.audioId, command.readsThroughLavf() && !external)
                                        : av_find_best_stream(file, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
     if (stream < 0)
         throw ToolError(command.audioId ? path + " has no audio stream with -aid " + std::to_string(*command.audioId)
@@ -182,11 +194,68 @@ int writeRawAudio(const MencoderCommand &command, AudioEncoder &encoder)
     becomeRealMencoder(arguments);
 }
 
+
+// MEncoder copies MPEG audio right only from its own AVI reader. Read
+// through FFmpeg's demuxers (Matroska, MP4, FLV, or -demuxer lavf) it writes
+// MP3 with a header that makes players stretch two seconds to minutes, and
+// MP2 from a transport stream in broken frames. From a bare MPEG audio
+// stream it copies right, so the frames go over to it in one, unchanged.
+[[noreturn]] void copyMpegAudioThenRunMencoder(const MencoderCommand &command, ChosenAudio &audio)
+{
+    const bool mp3 = audio.file->streams[audio.source.stream]->codecpar->codec_id == AV_CODEC_ID_MP3;
+    OutputFile file = OutputFile::scratch(folderOf(command.output));
+    MuxerPtr muxer = newMuxer(mp3 ? "mp3" : "mp2", file);
+    if (mp3) {
+        AVDictionary *plain = nullptr;
+        av_dict_set(&plain, "id3v2_version", "0", 0);
+        av_dict_set(&plain, "write_xing", "0", 0);
+        av_opt_set_dict(muxer->priv_data, &plain);
+        av_dict_free(&plain);
+    }
+    copyAudioStream(audio.file.get(), audio.source.stream, muxer.get());
+    muxer.reset();
+    const std::vector<std::string> arguments =
+        command.withEncodedAudio(file.handOverAcrossExec(), {"-audio-demuxer", "audio"});
+    std::printf("mencoder front: MPEG audio taken out as it is; running MEncoder with it:\nmencoder");
+    for (const std::string &argument : arguments)
+        std::printf(" %s", argument.c_str());
+    std::printf("\n");
+    becomeRealMencoder(arguments);
+}
+
+bool isMpegAudio(const AVStream *stream)
+{
+    const AVCodecID codec = stream->codecpar->codec_id;
+    return codec == AV_CODEC_ID_MP3 || codec == AV_CODEC_ID_MP2;
+}
+
+// A copied audio track of the input: MPEG audio that MEncoder would not
+// read with its own AVI reader goes through the front; anything else, and
+// any command line the front cannot follow, to MEncoder as it is.
+[[noreturn]] void copyAudio(const std::vector<std::string> &arguments)
+{
+    std::optional<MencoderCommand> command;
+    std::optional<ChosenAudio> audio;
+    try {
+        command = parseMencoderCommand(arguments);
+        if (!command->input.empty() && !command->output.empty() && command->audioFile.empty() && !command->noSound)
+            audio = chooseAudio(*command);
+    } catch (const std::exception &) {
+        becomeRealMencoder(arguments);
+    }
+    if (!audio || !isMpegAudio(audio->file->streams[audio->source.stream])
+        || (isAvi(audio->file.get()) && !command->readsThroughLavf()))
+        becomeRealMencoder(arguments);
+    copyMpegAudioThenRunMencoder(*command, *audio);
+}
+
 } // namespace
 
 int runMencoderFront(const std::string &name, const std::vector<std::string> &arguments)
 {
-    const std::string codec = audioCodecOf(arguments);
+    const std::string codec = optionValueOf(arguments, "-oac");
+    if (codec == "copy")
+        copyAudio(arguments);
     if (codec != "lavc" && codec != "faac")
         becomeRealMencoder(arguments);
     const MencoderCommand command = parseMencoderCommand(arguments);

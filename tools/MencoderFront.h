@@ -15,6 +15,11 @@ namespace mediatool {
 //     output and replaces itself (execv, same process number) by the real
 //     MEncoder with "-audiofile /proc/self/fd/N -oac copy" instead of the
 //     audio options. The unnamed file disappears when MEncoder ends.
+// A command line that copies MPEG audio (-oac copy) that MEncoder would
+// read through FFmpeg's demuxers (any container but an AVI read by its own
+// reader) gets the same frames as a bare MPEG audio stream in such an
+// unnamed file ("-audiofile /proc/self/fd/N -audio-demuxer audio"), which
+// MEncoder copies right.
 // Every other command line goes to the real MEncoder untouched.
 int runMencoderFront(const std::string &name, const std::vector<std::string> &arguments);
 

@@ -45,14 +45,6 @@ QString fileNameOf(const QString &path)
     return QFileInfo(path).fileName();
 }
 
-int countOf(const MCTrackList &tracks, const QStringList &types)
-{
-    int count = 0;
-    for (const MCVideoTrackPtr &track : tracks)
-        count += (track && track->trackSelected && types.contains(track->trackType)) ? 1 : 0;
-    return count;
-}
-
 } // namespace
 
 MCCliSession::MCCliSession(MCCliOptions options, QObject *parent)
@@ -74,6 +66,12 @@ void MCCliSession::fail(const QString &text)
 {
     printError(text);
     m_status = 1;
+}
+
+void MCCliSession::refuse(const QString &fileName, const QString &why)
+{
+    printError(QStringLiteral("%1: %2: %3").arg(kProgram, fileName, why));
+    m_refused = true;
 }
 
 int MCCliSession::run()
@@ -241,15 +239,18 @@ void MCCliSession::applyExplicitSettings()
 
 void MCCliSession::takeSelection(const MCSelectionPtr &selection)
 {
-    const bool converting = m_options.command == QStringLiteral("convert") && selection->jobType != QStringLiteral("MKV Remux");
+    // A watched folder's movies converted to AVI are refused alike.
+    const bool watchedConversion = m_options.command == QStringLiteral("watch")
+                                   && m_app->selectionController->currentTab() == MCSelectionController::tabAvi;
+    const bool converting = (m_options.command == QStringLiteral("convert") || watchedConversion)
+                            && selection->jobType != QStringLiteral("MKV Remux");
     if (converting) {
         // A file that did not load has had its alert already.
         if (m_app->currentVideoFile->trackList.isEmpty())
             return;
         applyExplicitSettings();
-        QString why;
-        if (!startAllowed(&why)) {
-            fail(QStringLiteral("%1: %2: %3").arg(kProgram, fileNameOf(selection->videoTrackFilePath), why));
+        if (!m_app->selectionController->canConvert) {
+            refuse(fileNameOf(selection->videoTrackFilePath), m_app->selectionController->convertRefusalText());
             return;
         }
     }
@@ -270,25 +271,7 @@ void MCCliSession::takeSelection(const MCSelectionPtr &selection)
 bool MCCliSession::startAllowed(QString *why) const
 {
     MCSelectionController *rules = m_app->selectionController;
-    const MCTrackList &tracks = m_app->currentVideoFile->trackList;
     const QString &command = m_options.command;
-    if (command == QStringLiteral("convert") && !rules->canConvert) {
-        *why = QStringLiteral("cannot convert: select one video track, one audio track and at most one subtitle "
-                              "(selected: %1 video, %2 audio, %3 subtitle)")
-                   .arg(countOf(tracks, {QStringLiteral("Video")}))
-                   .arg(countOf(tracks, {QStringLiteral("Audio")}))
-                   .arg(countOf(tracks, {QStringLiteral("Subtitle"), QStringLiteral("External Subtitle")}));
-        return false;
-    }
-    if (command == QStringLiteral("convert")) {
-        for (const MCVideoTrackPtr &track : m_app->currentSelection->trackList) {
-            if (track->trackType == QStringLiteral("Video") && track->userCodec == QStringLiteral("mpeg4")
-                && m_app->currentSelection->userVideoBitRate.toInt() <= 0) {
-                *why = QStringLiteral("the source's video bit rate is unknown: give one with --bitrate KBPS");
-                return false;
-            }
-        }
-    }
     if (command == QStringLiteral("join") && !rules->canJoin) {
         *why = QStringLiteral("cannot join: it takes at least two AVI files");
         return false;
@@ -478,7 +461,8 @@ int MCCliSession::finish()
         m_status = 1;
     if (m_queued == 0)
         m_status = 1;
-    return m_status;
+    // A refused choice is a usage error, whatever happened to other files.
+    return m_refused ? 2 : m_status;
 }
 
 // ---------------------------------------------------------------- watch
@@ -510,5 +494,5 @@ int MCCliSession::watch()
     loop.exec();
     if (m_jobCutShort)
         return 128 + m_signal;
-    return m_watcher->failedCount() > 0 ? 1 : 0;
+    return (m_watcher->failedCount() > 0 || m_refused) ? 1 : 0;
 }

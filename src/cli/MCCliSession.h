@@ -26,7 +26,8 @@ public:
     ~MCCliSession() override;
 
     // The exit status: 0 every job done with its output, 1 a file or job
-    // failed, 2 bad usage, 128 + the signal when interrupted.
+    // failed, 2 bad usage or a refused choice, 128 + the signal when
+    // interrupted.
     int run();
 
     // The window's alert line for a file that failed to load with answer.
@@ -58,6 +59,8 @@ private:
     int finish();
     void interrupted(int signalNumber);
     void fail(const QString &text);
+    // A choice the rules refuse: the reason on stderr, exit status 2.
+    void refuse(const QString &fileName, const QString &why);
 
     MCCliOptions m_options;
     std::unique_ptr<MCAppDelegate> m_app;
@@ -69,4 +72,5 @@ private:
     int m_queued = 0;
     bool m_waiting = false;
     bool m_jobCutShort = false;
+    bool m_refused = false;
 };

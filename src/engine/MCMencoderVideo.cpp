@@ -1,5 +1,6 @@
 #include "MCMencoderVideo.h"
 
+#include "MCContainers.h"
 #include "MCNotificationCenter.h"
 #include "MCPreferences.h"
 
@@ -46,21 +47,59 @@ MCVideoTrackPtr MCMencoderVideo::firstTrackOfType(const QStringList &types) cons
     return nullptr;
 }
 
-MCOptionList MCMencoderVideo::videoOptions() const
+bool MCMencoderVideo::copiesVideo() const
 {
     const MCVideoTrackPtr video = firstTrackOfType({kVideo});
-    // A copied video keeps the encoder options, but behind -lavcopts: today's
-    // mencoder reads a bare option text as a second input file, fails to
-    // open it and quits without writing the AVI index.
-    if (video && video->userCodec == QStringLiteral("passthru"))
-        return {QStringLiteral("-ovc copy"), QStringLiteral("-lavcopts")};
+    return video && video->userCodec == QStringLiteral("passthru");
+}
+
+bool MCMencoderVideo::readsThroughLavf() const
+{
+    const QString extension = converterSelection->videoTrackFileExtension.toLower();
+    // MEncoder's own readers put the picture of an MPEG program stream half a
+    // second after its sound, lose the first pictures of a transport stream
+    // and cannot open short H.264 ones.
+    if (MCContainers::isTransportStream(extension) || MCContainers::isProgramStream(extension))
+        return true;
+    // Its AVI reader hands the decoder the empty chunks ffmpeg writes for a
+    // skipped picture, after which the first picture repeats to the end. A
+    // copy is not decoded and keeps MEncoder's reader.
+    return extension == QStringLiteral("avi") && !copiesVideo();
+}
+
+MCOptionList MCMencoderVideo::inputOptions() const
+{
+    MCOptionList options{inputFileURL};
+    if (readsThroughLavf())
+        options << QStringLiteral("-demuxer lavf");
+    // MEncoder takes an ASF file for 1000 pictures a second and writes the
+    // AVI so; the file's own rate keeps each picture once.
+    static const QStringList asf{QStringLiteral("wmv"), QStringLiteral("asf")};
+    const double rate = converterSelection->videoTrackFPS.toDouble();
+    if (asf.contains(converterSelection->videoTrackFileExtension.toLower()) && rate > 0)
+        options << QStringLiteral("-ofps %1").arg(converterSelection->videoTrackFPS.trimmed());
+    return options;
+}
+
+MCOptionList MCMencoderVideo::videoOptions() const
+{
+    // A copy takes no encoder options: MEncoder would still check them and
+    // refuse a copied video of unknown bit rate ("vbitrate=0").
+    if (copiesVideo())
+        return {QStringLiteral("-ovc copy")};
+    MCOptionList options;
+    // Both passes must see the same pictures, or the second runs past the
+    // first one's log: no picture skipped or added for audio sync.
+    if (converterSelection->userPassNumber == QStringLiteral("2"))
+        options << QStringLiteral("-mc 0 -noskip");
     const int width = integerOf(converterSelection->userWidth);
     // An empty or zero width means "as the source": scaling to it would
     // hand mencoder "scale=:-10".
     const bool scale = width > 0 && width < integerOf(converterSelection->videoTrackWidth);
-    return {QStringLiteral("-vf"),
-            scale ? QStringLiteral("scale=%1:-10,harddup").arg(width) : QStringLiteral("harddup"),
-            QStringLiteral("-ovc lavc"), QStringLiteral("-ffourcc xvid"), QStringLiteral("-lavcopts")};
+    options << QStringLiteral("-vf")
+            << (scale ? QStringLiteral("scale=%1:-10,harddup").arg(width) : QStringLiteral("harddup"))
+            << QStringLiteral("-ovc lavc") << QStringLiteral("-ffourcc xvid") << QStringLiteral("-lavcopts");
+    return options;
 }
 
 MCOptionList MCMencoderVideo::audioOptions() const
@@ -83,10 +122,18 @@ MCOptionList MCMencoderVideo::audioOptions() const
     if (audio->trackCodec == QStringLiteral("ogg"))
         options << QStringLiteral("-afm tremor");
     if (audio->trackFilePath == converterSelection->videoTrackFilePath)
-        options << QStringLiteral("-aid %1").arg(audio->trackMencoderID);
+        options << QStringLiteral("-aid %1").arg(audioIdFor(*audio));
     else
         options << QStringLiteral("-audiofile") << audio->trackFileURL;
     return options;
+}
+
+QString MCMencoderVideo::audioIdFor(const MCVideoTrack &audio) const
+{
+    // FFmpeg's readers number the audio streams from 0 in file order.
+    if (readsThroughLavf())
+        return QString::number(integerOf(audio.trackIndex) - 1);
+    return audio.trackMencoderID;
 }
 
 MCOptionList MCMencoderVideo::subtitleOptions() const
@@ -118,17 +165,18 @@ QString MCMencoderVideo::passLogFilePath() const
 
 void MCMencoderVideo::composeOptionArrays()
 {
-    optionArray1 = MCOptionList{inputFileURL} + videoOptions();
+    optionArray1 = inputOptions() + videoOptions();
     optionArray2.clear();
     const QString encoderOptions =
         QStringLiteral("threads=8:vcodec=mpeg4:autoaspect:vbitrate=%1").arg(converterSelection->userVideoBitRate);
-    const bool twoPasses = converterSelection->userPassNumber == QStringLiteral("2");
+    const bool copy = copiesVideo();
+    const bool twoPasses = !copy && converterSelection->userPassNumber == QStringLiteral("2");
     const QString passLog = QStringLiteral(" -passlogfile %1").arg(passLogFilePath());
     if (twoPasses) {
         optionArray2 = optionArray1;
         optionArray1 << encoderOptions + QStringLiteral(":vpass=1:turbo") + passLog;
         optionArray2 << encoderOptions + QStringLiteral(":vpass=2") + passLog;
-    } else {
+    } else if (!copy) {
         optionArray1 << encoderOptions;
     }
     const MCOptionList ending{QStringLiteral("-o"), outputFileURL, QStringLiteral("&>"), logFileURL,

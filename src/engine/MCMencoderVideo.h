@@ -33,6 +33,12 @@ public:
     QString passLogFilePath() const;
 
 private:
+    bool copiesVideo() const;
+    // Whether MEncoder reads the source through FFmpeg's demuxers, which
+    // number audio streams their own way.
+    bool readsThroughLavf() const;
+    QString audioIdFor(const MCVideoTrack &audio) const;
+    MCOptionList inputOptions() const;
     MCOptionList videoOptions() const;
     MCOptionList audioOptions() const;
     MCOptionList subtitleOptions() const;

@@ -13,9 +13,14 @@ MCCodecTable video()
             {"sorenson", "h263"},
             {"V_MS", "VFW", "VC-1", "WVC1"},
             {"MPEG2", "MPEG-2"},
+            // Today's codecs, after the older classes so that they win.
+            {"hevc", "h265", "hvc1", "hev1"},
+            {"vp8"},
+            {"vp9"},
+            {"av1", "av01"},
         },
-        {"mpeg4", "h264", "rm", "wmv", "h263", "VC-1", "mpeg2"},
-        {"avi", "h264", "rm", "wmv", "h263", "wmv", "mpg"},
+        {"mpeg4", "h264", "rm", "wmv", "h263", "VC-1", "mpeg2", "hevc", "vp8", "vp9", "av1"},
+        {"avi", "h264", "rm", "wmv", "h263", "wmv", "mpg", "hevc", "ivf", "ivf", "ivf"},
     };
 }
 
@@ -33,9 +38,14 @@ MCCodecTable audio()
             {"wma"},
             {"flac"},
             {"Wavpack"},
+            // Today's codecs. E-AC-3 reads "AC3+" and so also matches AC-3
+            // above; coming later, it wins.
+            {"opus"},
+            {"e-ac-3", "eac3", "ac3+"},
+            {"truehd", "mlp fba"},
         },
-        {"ogg", "mp3", "mp2", "aac", "ac3", "wav", "dts", "wma", "flac", "Wavpack"},
-        {"ogg", "mp3", "mp2", "aac", "ac3", "wav", "dts", "wma", "flac", "wv"},
+        {"ogg", "mp3", "mp2", "aac", "ac3", "wav", "dts", "wma", "flac", "Wavpack", "opus", "eac3", "truehd"},
+        {"ogg", "mp3", "mp2", "aac", "ac3", "wav", "dts", "wma", "flac", "wv", "opus", "eac3", "thd"},
     };
 }
 
@@ -51,9 +61,11 @@ MCCodecTable subtitle()
             {"S_HDMV", "PGS"},
             {"tx3g", "timed", "3gpp"},
             {"text"},
+            // DVB bitmap subtitles of broadcast recordings (PGS is class 6).
+            {"dvb"},
         },
-        {"ssa", "ass", "srt", "vobsub", "sub", "pgs", "ttxt", "txt"},
-        {"ssa", "ass", "srt", "idx", "sub", "sup", "ttxt", "txt"},
+        {"ssa", "ass", "srt", "vobsub", "sub", "pgs", "ttxt", "txt", "dvbsub"},
+        {"ssa", "ass", "srt", "idx", "sub", "sup", "ttxt", "txt", "dvbsub"},
     };
 }
 

@@ -1,5 +1,6 @@
 #include "MCTrackListParser.h"
 
+#include "MCContainers.h"
 #include "MCMediaInfoReport.h"
 
 #include <QFileInfo>
@@ -131,15 +132,22 @@ MCTrackListResult MCTrackListParser::parse(const QStringList &lines, const QUrl 
             break;
         }
         const qsizetype end = p + 1 < headers.size() ? headers.at(p + 1).line : lines.size();
+        QString streamId;
         for (qsizetype i = headers.at(p).line; i < end; ++i)
-            readSectionLine(*track, lines.at(i), p);
+            readSectionLine(*track, lines.at(i), p, streamId);
+        // Today's mediainfo gives Flash Video streams no ID: numbered by
+        // position, as an ID of 0 is.
+        if (streamId.isEmpty())
+            number(*track, u"0", p);
         finishIdentifiers(*track, headers.size());
+        useMpegStreamId(*track, streamId);
         tracks.append(track);
     }
     return finalPass(std::move(tracks));
 }
 
-void MCTrackListParser::readSectionLine(MCVideoTrack &track, QStringView line, qsizetype position) const
+void MCTrackListParser::readSectionLine(MCVideoTrack &track, QStringView line, qsizetype position,
+                                        QString &streamId) const
 {
     const auto [key, value, valid] = MCMediaInfoReport::keyValue(line);
     if (!valid)
@@ -160,6 +168,10 @@ void MCTrackListParser::readSectionLine(MCVideoTrack &track, QStringView line, q
         classify(track, value);
     } else if (key.startsWith(u"ID   ")) {
         number(track, value, position);
+        // The section's own id comes first; a Menu section after the last
+        // track falls into it with the id of the program table.
+        if (streamId.isEmpty())
+            streamId = value.toString();
     }
 }
 
@@ -209,13 +221,45 @@ void MCTrackListParser::finishIdentifiers(MCVideoTrack &track, qsizetype headerC
     const QString extension = track.trackFileExtension.toLower();
     const qint64 typeIndex = integerOf(track.trackIndex);
     qint64 mencoderID = typeIndex;
-    if (extension == u"mkv" || extension == u"ogm" || extension == u"mp4" || extension == u"m4v" || extension == u"mov")
+    // WebM is Matroska under another name; MPlayer reads Flash Video through
+    // FFmpeg, which counts each kind of stream from 0 as well.
+    if (extension == u"mkv" || extension == u"ogm" || extension == u"mp4" || extension == u"m4v" || extension == u"mov"
+        || extension == u"webm" || extension == u"flv")
         mencoderID = typeIndex - 1;
-    else if (extension == u"avi" || extension == u"flv")
+    else if (extension == u"avi")
         mencoderID = integerOf(track.trackMp4boxID) - 1;
     else if (extension == u"wmv")
         mencoderID = integerOf(track.trackMp4boxID);
     track.trackMencoderID = QString::number(mencoderID);
+}
+
+void MCTrackListParser::useMpegStreamId(MCVideoTrack &track, const QString &streamId)
+{
+    if (track.trackType != kAudio || streamId.isEmpty())
+        return;
+    if (const std::optional<qint64> id = mplayerAudioId(track.trackFileExtension, streamId))
+        track.trackMencoderID = QString::number(*id);
+}
+
+std::optional<qint64> MCTrackListParser::mplayerAudioId(const QString &fileExtension, QStringView streamId)
+{
+    // A transport stream's audio is addressed by its packet id ("4114" or
+    // "4114 (0x1012)").
+    if (MCContainers::isTransportStream(fileExtension))
+        return integerOf(streamId);
+    if (!MCContainers::isProgramStream(fileExtension))
+        return std::nullopt;
+    // In a program stream, audio in the private stream (AC-3, DTS, LPCM:
+    // "189 (0xBD)-128 (0x80)") goes by its sub-stream id; MPEG audio
+    // (streams 192 to 223) by its number from 0.
+    const qsizetype dash = streamId.lastIndexOf(u'-');
+    if (dash >= 0)
+        return integerOf(streamId.mid(dash + 1));
+    constexpr qint64 kFirstMpegAudio = 0xC0;
+    const qint64 id = integerOf(streamId);
+    if (id >= kFirstMpegAudio && id < kFirstMpegAudio + 32)
+        return id - kFirstMpegAudio;
+    return std::nullopt;
 }
 
 MCTrackListResult MCTrackListParser::finalPass(MCTrackList tracks)

@@ -4,6 +4,8 @@
 
 #include <QStringView>
 
+#include <optional>
+
 // Builds a file's track list from mediainfo's full report: one track per
 // section header, classified with the file's codec tables and numbered for
 // each tool.
@@ -17,6 +19,11 @@ public:
     // The track for a subtitle file given whole ("External Subtitle").
     static MCVideoTrackPtr externalSubtitleTrack(const QUrl &url);
 
+    // The id MPlayer and MEncoder give an audio stream of an MPEG transport
+    // or program stream, from mediainfo's "ID" value; nothing for other
+    // containers, whose audio keeps the usual numbering.
+    static std::optional<qint64> mplayerAudioId(const QString &fileExtension, QStringView streamId);
+
 private:
     struct Table
     {
@@ -25,10 +32,11 @@ private:
         QStringList extensions;
     };
 
-    void readSectionLine(MCVideoTrack &track, QStringView line, qsizetype position) const;
+    void readSectionLine(MCVideoTrack &track, QStringView line, qsizetype position, QString &streamId) const;
     void classify(MCVideoTrack &track, QStringView value) const;
     void number(MCVideoTrack &track, QStringView value, qsizetype position) const;
     static void finishIdentifiers(MCVideoTrack &track, qsizetype headerCount);
+    static void useMpegStreamId(MCVideoTrack &track, const QString &streamId);
     static MCTrackListResult finalPass(MCTrackList tracks);
 
     Table m_video;

@@ -1,5 +1,6 @@
 #include "MCSelectionController.h"
 
+#include "MCAviRefusal.h"
 #include "MCNotificationCenter.h"
 #include "MCPresetsController.h"
 #include "MCTextNumbers.h"
@@ -132,11 +133,17 @@ void MCSelectionController::updateTabs()
 
 void MCSelectionController::updateAviTab()
 {
+    // Announced once per decision, not cleared and set again.
+    setConvertRefusalText(decideAviTab());
+}
+
+QString MCSelectionController::decideAviTab()
+{
     MCSelection &selection = *m_currentSelection;
     trackTableEnabled = true;
     if (fileTracks().isEmpty()) {
         setStatus(QStringLiteral("Drop Video File(s) in the Table Below"), colorBlack);
-        return;
+        return {};
     }
     setStatus(m_currentVideoFile->theFilePath, colorBlack);
     const long long subCount = integerValue(selection.subCount);
@@ -164,12 +171,28 @@ void MCSelectionController::updateAviTab()
     selection.userVideoBitRate = m_enteredUserVideoBitRate;
     if (!canConvert) {
         popupAudioIsSurround = false;
-        return;
+        return QStringLiteral("An AVI takes one video track, one audio track and at most one subtitle "
+                              "(selected: %1 video, %2 audio, %3 subtitle).")
+            .arg(selection.vidCount, selection.audCount, selection.subCount);
     }
     selection.jobType = QStringLiteral("AVI Conversion");
     const MCTrackList selected = selection.trackList;
     for (const MCVideoTrackPtr &track : selected)
         applyAviRowsTo(*track);
+    // On top of the rules above: a choice they allow but the tools cannot
+    // turn into a playable AVI is refused, with the reason.
+    const QString reason = MCAviRefusal::reasonFor(selection, userBitRateOK);
+    if (!reason.isEmpty())
+        canConvert = false;
+    return reason;
+}
+
+void MCSelectionController::setConvertRefusalText(const QString &text)
+{
+    if (text == m_convertRefusalText)
+        return;
+    m_convertRefusalText = text;
+    emit convertRefusalTextChanged(text);
 }
 
 void MCSelectionController::applyAviRowsTo(MCVideoTrack &track)

@@ -32,6 +32,7 @@ class MCSelectionController : public QObject
     Q_PROPERTY(bool trackTableEnabled MEMBER trackTableEnabled NOTIFY stateChanged)
     Q_PROPERTY(bool canAddTrack MEMBER canAddTrack NOTIFY stateChanged)
     Q_PROPERTY(bool canConvert MEMBER canConvert NOTIFY stateChanged)
+    Q_PROPERTY(QString convertRefusalText READ convertRefusalText NOTIFY convertRefusalTextChanged)
     Q_PROPERTY(bool hideTrackTogglesFlag MEMBER hideTrackTogglesFlag NOTIFY stateChanged)
     Q_PROPERTY(bool hideTrackTable MEMBER hideTrackTable NOTIFY stateChanged)
     Q_PROPERTY(bool hideFileTable MEMBER hideFileTable NOTIFY stateChanged)
@@ -162,6 +163,11 @@ public:
     QString enteredParHeight() const { return m_enteredParHeight; }
     void setEnteredParHeight(const QString &text);
 
+    // Why the "AVI" tab cannot convert what is chosen (canConvert is then
+    // false), in words a user can act on; empty when it can, or when no
+    // file is loaded.
+    QString convertRefusalText() const { return m_convertRefusalText; }
+
     // The status line above the table ("currentFileTextField") and the table's state.
     QString statusText;
     QString statusColor = colorBlack;
@@ -202,6 +208,7 @@ public:
 
 signals:
     void stateChanged();
+    void convertRefusalTextChanged(const QString &text);
     void clearTrackHighlight();
     // The window ends text editing (a click outside the controls).
     void endEditingRequested();
@@ -212,7 +219,10 @@ private:
     MCTrackList fileTracks() const;
     void setStatus(const QString &text, const QString &color);
     void setCanBurnSubtitles(bool can);
+    void setConvertRefusalText(const QString &text);
     void updateAviTab();
+    // The "AVI" tab's decision; answers why it cannot convert, if it cannot.
+    QString decideAviTab();
     void applyAviRowsTo(MCVideoTrack &track);
     void applyAudioRowTo(MCVideoTrack &track);
     void updateEditFilesTab();
@@ -225,6 +235,7 @@ private:
     std::shared_ptr<MCVideoFile> m_currentVideoFile;
     MCPresetsController *m_presetsController = nullptr;
     QString m_currentTab = tabAvi;
+    QString m_convertRefusalText;
     bool m_canBurnSubtitlesGiven = false;
     bool m_observingTimeFields = false;
     int m_videoMatrixIndex = 0;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -245,6 +246,39 @@ TEST_F(CliJobs, EditingCommandsWriteTheirResults)
     EXPECT_TRUE(result.err.contains(QStringLiteral("remux takes a Matroska")));
 }
 
+TEST_F(CliJobs, ChoicesTheWindowRefusesExitTwoWithTheReason)
+{
+    // H.264 of no declared bit rate with stereo AAC: what the rules refuse
+    // is refused here too, before anything runs, in the rules' words.
+    const QString mkv = threeTrackMkv();
+    const QString name = QFileInfo(mkv).fileName();
+    const struct
+    {
+        QStringList options;
+        QString reason;
+    } cases[] = {
+        {{QStringLiteral("--tracks"), QStringLiteral("1,2")},
+         QStringLiteral("An AVI cannot hold AAC audio as it is: choose MP3.")},
+        {{QStringLiteral("--tracks"), QStringLiteral("1,2"), QStringLiteral("--audio"), QStringLiteral("ac3")},
+         QStringLiteral("AC-3 5.1 needs a surround track of 6 channels; this one has 2: choose MP3.")},
+        {{QStringLiteral("--tracks"), QStringLiteral("1,2"), QStringLiteral("--video"), QStringLiteral("mpeg4"),
+          QStringLiteral("--audio"), QStringLiteral("mp3")},
+         QStringLiteral("This video does not declare its bit rate: enter the MPEG-4 video bit rate in kbit/s.")},
+        {{QStringLiteral("--audio"), QStringLiteral("mp3"), QStringLiteral("--audio-bitrate"), QStringLiteral("448"),
+          QStringLiteral("--video"), QStringLiteral("mpeg4"), QStringLiteral("--bitrate"), QStringLiteral("300")},
+         QStringLiteral("MP3 goes up to 320 kbit/s: choose a lower audio bit rate.")},
+    };
+    for (const auto &c : cases) {
+        for (const QStringList &dryRun : {QStringList(), QStringList{QStringLiteral("--dry-run")}}) {
+            const CliResult result = runCli(common() + QStringList{QStringLiteral("convert")} + dryRun + c.options + QStringList{mkv});
+            EXPECT_EQ(result.status, 2) << c.options.join(' ').toStdString();
+            EXPECT_EQ(result.err, QStringLiteral("kestrane-cli: %1: %2\n").arg(name, c.reason));
+            EXPECT_TRUE(result.out.isEmpty()) << result.out.toStdString();
+        }
+    }
+    EXPECT_TRUE(filesIn(saveDir.path()).isEmpty()) << filesIn(saveDir.path()).join(' ').toStdString();
+}
+
 TEST_F(CliJobs, DryRunPrintsTheCommandsAndWritesNothing)
 {
     const QString mkv = threeTrackMkv();
@@ -328,9 +362,15 @@ TEST_F(CliJobs, WatchConvertsWhatIsDroppedInUntilInterrupted)
     const QString result = folder.path() + QStringLiteral("/dropped.avi.avi");
     QByteArray out;
     ASSERT_TRUE(testsupport::waitUntil([&] { return (out += cli.readAllStandardOutput()).contains("Completed: dropped.avi"); }, 90000));
+    // A movie the presets' choices cannot make is refused as convert does, and left alone.
+    ASSERT_TRUE(QFile::copy(threeTrackMkv(), folder.path() + QStringLiteral("/refused.mkv")));
+    QByteArray err;
+    ASSERT_TRUE(testsupport::waitUntil([&] { return (err += cli.readAllStandardError()).contains("kestrane-cli: refused.mkv: "); },
+                                       90000));
     ::kill(static_cast<pid_t>(cli.processId()), SIGINT);
     ASSERT_TRUE(cli.waitForFinished(30000));
-    EXPECT_EQ(cli.exitCode(), 0) << QString::fromUtf8(cli.readAllStandardError()).toStdString();
+    EXPECT_EQ(cli.exitCode(), 1) << err.toStdString();
+    EXPECT_FALSE(QFile::exists(folder.path() + QStringLiteral("/refused.mkv.avi")));
     EXPECT_EQ(testsupport::mediaInfo(result, QStringLiteral("Video"), QStringLiteral("Format")), QStringLiteral("MPEG-4 Visual"));
     EXPECT_FALSE(QFile::exists(folder.path() + QStringLiteral("/already.avi.avi")));
 }

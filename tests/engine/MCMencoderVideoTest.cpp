@@ -67,12 +67,21 @@ TEST_F(MencoderOptions, ScalesOnlyToASmallerWidth)
     }
 }
 
-TEST_F(MencoderOptions, PassthruVideoKeepsTheEncoderOptionsAsOptions)
+TEST_F(MencoderOptions, CopiedVideoTakesNoEncoderOptions)
 {
     video->userCodec = QStringLiteral("passthru");
     audio->userCodec = QStringLiteral("passthru");
-    EXPECT_TRUE(command().startsWith(QStringLiteral("\"/videos/clip.mkv\" -ovc copy -lavcopts threads=8:vcodec=mpeg4:autoaspect:vbitrate=900 "
-                                                    "-oac copy -aid 1 -noautoexpand -o")));
+    audio->trackNumberOfChannels = QStringLiteral("2");
+    // A source of unknown bit rate: "vbitrate=0" made MEncoder refuse the copy.
+    selection->userVideoBitRate = QStringLiteral("0");
+    EXPECT_TRUE(command().startsWith(QStringLiteral("\"/videos/clip.mkv\" -ovc copy -oac copy -aid 1 -noautoexpand -o")))
+        << command().toStdString();
+    EXPECT_FALSE(command().contains(QStringLiteral("lavcopts")));
+    // Even a selection left at two passes copies in one.
+    selection->userPassNumber = QStringLiteral("2");
+    EXPECT_FALSE(command().contains(QStringLiteral("vpass")));
+    EXPECT_TRUE(step.optionArray2.isEmpty());
+    EXPECT_EQ(step.currentPass, 0);
 }
 
 TEST_F(MencoderOptions, TwoPassesShareEverythingButThePassOptions)
@@ -146,4 +155,67 @@ TEST_F(MencoderOptions, NewEncoderForVc1AndTransportStreams)
     selection->videoTrackFileExtension = QStringLiteral("MTS");
     command();
     EXPECT_EQ(step.mencoderVersion, QStringLiteral("mencodernew"));
+}
+
+TEST_F(MencoderOptions, BothPassesSeeTheSamePictures)
+{
+    selection->userPassNumber = QStringLiteral("2");
+    for (const int pass : {1, 2})
+        EXPECT_TRUE(command(pass).contains(QStringLiteral("\"/videos/clip.mkv\" -mc 0 -noskip -vf harddup -ovc lavc")))
+            << pass;
+    // One pass keeps MEncoder's own audio sync.
+    selection->userPassNumber = QStringLiteral("1");
+    EXPECT_FALSE(command().contains(QStringLiteral("-noskip")));
+}
+
+TEST_F(MencoderOptions, ReaderAndAudioIdFollowContainerAndCopy)
+{
+    // The audio's own id for MEncoder's readers; its place among the audio
+    // tracks (from 0) for FFmpeg's.
+    audio->trackIndex = QStringLiteral("2");
+    audio->trackMencoderID = QStringLiteral("257");
+    const struct
+    {
+        QString file;
+        QString videoCodec;
+        bool copy;
+        QString expected;
+    } cases[] = {
+        // An AVI is read by FFmpeg only to be decoded.
+        {QStringLiteral("/videos/a.avi"), QStringLiteral("mpeg4"), false, QStringLiteral("-demuxer lavf -vf harddup")},
+        {QStringLiteral("/videos/a.avi"), QStringLiteral("mpeg4"), true, QStringLiteral("\" -ovc copy")},
+        // MPEG transport and program streams always.
+        {QStringLiteral("/videos/a.TS"), QStringLiteral("mpeg2"), false, QStringLiteral("-demuxer lavf -vf harddup")},
+        {QStringLiteral("/videos/a.m2ts"), QStringLiteral("h264"), true, QStringLiteral("-demuxer lavf -ovc copy")},
+        {QStringLiteral("/videos/a.vob"), QStringLiteral("mpeg2"), true, QStringLiteral("-demuxer lavf -ovc copy")},
+        {QStringLiteral("/videos/a.mpg"), QStringLiteral("mpeg2"), false, QStringLiteral("-demuxer lavf -vf harddup")},
+        // MPlayer picks FFmpeg for Matroska itself, with the same numbers.
+        {QStringLiteral("/videos/a.mkv"), QStringLiteral("h264"), false, QStringLiteral("\" -vf harddup")},
+    };
+    for (const auto &c : cases) {
+        selection = selectionFor(c.file);
+        selection->userVideoBitRate = QStringLiteral("900");
+        selection->userPassNumber = QStringLiteral("1");
+        selection->subCount = QStringLiteral("0");
+        video->trackCodec = c.videoCodec;
+        video->userCodec = c.copy ? QStringLiteral("passthru") : QStringLiteral("mpeg4");
+        video->trackFilePath = audio->trackFilePath = c.file;
+        selection->trackList = {video, audio};
+        const QString line = command();
+        EXPECT_TRUE(line.contains(c.expected)) << line.toStdString();
+        const bool lavf = line.contains(QStringLiteral("-demuxer lavf"));
+        EXPECT_TRUE(line.contains(lavf ? QStringLiteral("-aid 1 ") : QStringLiteral("-aid 257 "))) << line.toStdString();
+    }
+}
+
+TEST_F(MencoderOptions, AsfKeepsItsFrameRate)
+{
+    video->userCodec = QStringLiteral("passthru");
+    audio->userCodec = QStringLiteral("passthru");
+    // MEncoder reads an ASF file at 1000 pictures a second.
+    selection->videoTrackFileExtension = QStringLiteral("WMV");
+    selection->videoTrackFPS = QStringLiteral("29.970");
+    EXPECT_TRUE(command().contains(QStringLiteral("\"/videos/clip.mkv\" -ofps 29.970 -ovc copy")));
+    selection->videoTrackFPS = QStringLiteral("0");
+    EXPECT_FALSE(command().contains(QStringLiteral("-ofps")));
 }

@@ -1,4 +1,5 @@
 #include "MCMediaInfoReport.h"
+#include "MCTrackListParser.h"
 #include "MCVideoFile.h"
 
 #include "TestSupport.h"
@@ -78,7 +79,75 @@ TEST(MCTrackListParser, TransportStreamIdsAboveSevenHundredBecomePositions)
     ASSERT_TRUE(result.ok());
     ASSERT_EQ(result.tracks.size(), 2);
     EXPECT_EQ(describe(*result.tracks[0]), "Video|mpeg2|mpg|Video: (mpeg2)|1|0|0|1|1");
-    EXPECT_EQ(describe(*result.tracks[1]), "Audio|mp2|mp2|Audio: (mp2 1ch.)|2|1|1|1|1");
+    // MPlayer addresses the audio by its packet id, not by the program
+    // table's id that the Menu section after it shows.
+    EXPECT_EQ(describe(*result.tracks[1]), "Audio|mp2|mp2|Audio: (mp2 1ch.)|2|1|1|4114|1");
+}
+
+TEST(MCTrackListParser, ProgramStreamAudioGoesByItsStreamId)
+{
+    // AC-3 and LPCM in the private stream by their sub-stream ids (as
+    // `mplayer -identify` lists them: 128, 160); MPEG audio from 0.
+    const auto vob = parse(QStringLiteral("ac3_lpcm.vob"));
+    ASSERT_TRUE(vob.ok());
+    ASSERT_EQ(vob.tracks.size(), 3);
+    EXPECT_EQ(vob.tracks[1]->trackInfo, QStringLiteral("Audio: (ac3 6ch.)"));
+    EXPECT_EQ(vob.tracks[1]->trackMencoderID, QStringLiteral("128"));
+    EXPECT_EQ(vob.tracks[2]->trackCodec, QStringLiteral("wav"));
+    EXPECT_EQ(vob.tracks[2]->trackMencoderID, QStringLiteral("160"));
+    const auto mpg = parse(QStringLiteral("two_mp2.mpg"));
+    ASSERT_TRUE(mpg.ok());
+    ASSERT_EQ(mpg.tracks.size(), 3);
+    EXPECT_EQ(mpg.tracks[1]->trackMencoderID, QStringLiteral("0"));
+    EXPECT_EQ(mpg.tracks[2]->trackMencoderID, QStringLiteral("1"));
+    // The video keeps the usual numbering.
+    EXPECT_EQ(mpg.tracks[0]->trackMencoderID, QStringLiteral("1"));
+
+    const QString vobName = QStringLiteral("vob");
+    EXPECT_EQ(MCTrackListParser::mplayerAudioId(vobName, u"189 (0xBD)-136 (0x88)"), 136);
+    EXPECT_EQ(MCTrackListParser::mplayerAudioId(vobName, u"223 (0xDF)"), 31);
+    EXPECT_EQ(MCTrackListParser::mplayerAudioId(vobName, u"224 (0xE0)"), std::nullopt);
+    EXPECT_EQ(MCTrackListParser::mplayerAudioId(QStringLiteral("M2TS"), u"4352 (0x1100)"), 4352);
+    EXPECT_EQ(MCTrackListParser::mplayerAudioId(QStringLiteral("mkv"), u"2"), std::nullopt);
+}
+
+TEST(MCTrackListParser, TodaysCodecsAreClassified)
+{
+    const struct
+    {
+        QString file;
+        std::string video;
+        std::string audio;
+    } cases[] = {
+        {QStringLiteral("hevc_opus.mkv"), "Video|hevc|hevc|Video: (hevc)|1|0|0|0|1", "Audio|opus|opus|Audio: (opus 2ch.)|2|1|1|0|1"},
+        {QStringLiteral("hevc_aac.mp4"), "Video|hevc|hevc|Video: (hevc)|1|0|0|0|1", "Audio|aac|aac|Audio: (aac 2ch.)|2|1|1|0|1"},
+        // WebM is Matroska: MPlayer counts its audio from 0.
+        {QStringLiteral("vp8_vorbis.webm"), "Video|vp8|ivf|Video: (vp8)|1|0|0|0|1", "Audio|ogg|ogg|Audio: (ogg 2ch.)|2|1|1|0|1"},
+        // E-AC-3 reads "AC3+": the later class wins over AC-3.
+        {QStringLiteral("av1_eac3.mkv"), "Video|av1|ivf|Video: (av1)|1|0|0|0|1", "Audio|eac3|eac3|Audio: (eac3 6ch.)|2|1|1|0|1"},
+        {QStringLiteral("vp9_truehd.mkv"), "Video|vp9|ivf|Video: (vp9)|1|0|0|0|1", "Audio|truehd|thd|Audio: (truehd 2ch.)|2|1|1|0|1"},
+        // Flash Video has no IDs: its streams go by position, and MPlayer
+        // (through FFmpeg) counts its audio from 0.
+        {QStringLiteral("flv_mp3.flv"), "Video|h263|h263|Video: (h263)|1|0|0|0|1", "Audio|mp3|mp3|Audio: (mp3 2ch.)|2|1|1|0|1"},
+    };
+    for (const auto &c : cases) {
+        const auto result = parse(c.file);
+        ASSERT_TRUE(result.ok()) << c.file.toStdString();
+        ASSERT_EQ(result.tracks.size(), 2);
+        EXPECT_EQ(describe(*result.tracks[0]), c.video);
+        EXPECT_EQ(describe(*result.tracks[1]), c.audio);
+    }
+
+    // Bitmap subtitles of Blu-ray discs and broadcasts are kept, not dropped.
+    const MCVideoFile file;
+    const auto subtitles = file.trackListFromReport({QStringLiteral("Video"), QStringLiteral("Codec  : AVC"),
+                                                     QStringLiteral("Text #1"), QStringLiteral("Codec  : S_HDMV/PGS"),
+                                                     QStringLiteral("Text #2"), QStringLiteral("Codec  : DVB Subtitle")},
+                                                    QUrl::fromLocalFile(QStringLiteral("/x/rec.m2ts")));
+    ASSERT_TRUE(subtitles.ok());
+    ASSERT_EQ(subtitles.tracks.size(), 3);
+    EXPECT_EQ(subtitles.tracks[1]->trackCodec, QStringLiteral("pgs"));
+    EXPECT_EQ(subtitles.tracks[2]->trackCodec, QStringLiteral("dvbsub"));
 }
 
 TEST(MCTrackListParser, LoneAudioFilesAreOneTrackWithZeroIds)

@@ -28,8 +28,11 @@ TEST(MCSelectionControllerTest, AviTabDecidesWhatMayBeConverted)
     const Case cases[] = {
         {"one video and two audios", {{"Video", "h264"}, {"Audio", "ac3", "6"}, {"Audio", "mp3", "2"}},
          false, false, kBlack, kBlack, "none"},
+        // The rules let it through, with both colours red; it is refused
+        // on top, as neither passing AAC into an AVI nor burning into a
+        // copied picture can work.
         {"non-MPEG-4 video, AAC and one subtitle to burn",
-         {{"Video", "h264"}, {"Audio", "aac", "2"}, {"Subtitle", "srt"}}, true, true, kRed, kRed,
+         {{"Video", "h264"}, {"Audio", "aac", "2"}, {"Subtitle", "srt"}}, false, true, kRed, kRed,
          "AVI Conversion"},
         {"two subtitles", {{"Video", "mpeg4"}, {"Audio", "mp3", "2"}, {"Subtitle", "srt"}, {"Subtitle", "ass"}},
          false, false, kBlack, kBlack, "none"},
@@ -50,6 +53,81 @@ TEST(MCSelectionControllerTest, AviTabDecidesWhatMayBeConverted)
             EXPECT_FALSE(r.rules.popupAudioIsSurround);
         }
     }
+}
+
+TEST(MCSelectionControllerTest, ChoicesTheToolsCannotDoAreRefusedWithAReason)
+{
+    struct Case
+    {
+        const char *what;
+        QList<TrackShape> tracks;
+        int videoRow;
+        int audioRow;
+        const char *typedBitRate;
+        const char *refusal; // part of the reason; nullptr: may convert
+        const char *extension = "avi";
+    };
+    const Case cases[] = {
+        {"AAC passed through", {{"Video", "mpeg4"}, {"Audio", "aac", "2"}}, 0, 0, "1000", "cannot hold AAC audio as it is: choose MP3."},
+        {"AAC made MP3", {{"Video", "mpeg4"}, {"Audio", "aac", "2"}}, 0, 1, "1000", nullptr},
+        {"surround Opus passed through", {{"Video", "mpeg4"}, {"Audio", "opus", "6"}}, 0, 0, "1000", "choose MP3 or AC-3 5.1."},
+        {"DTS, MP2 and WMA pass", {{"Video", "mpeg4"}, {"Audio", "dts", "6"}}, 0, 0, "1000", nullptr},
+        {"AC-3 5.1 from stereo", {{"Video", "mpeg4"}, {"Audio", "mp3", "2"}}, 0, 2, "1000", "this one has 2: choose MP3."},
+        {"AC-3 5.1 from surround", {{"Video", "mpeg4"}, {"Audio", "dts", "6"}}, 0, 2, "1000", nullptr},
+        {"MPEG-4 of a video without a declared bit rate", {{"Video", "h264"}, {"Audio", "mp3", "2"}}, 1, 0, "0",
+         "does not declare its bit rate"},
+        {"MPEG-4 at 3 kbit/s", {{"Video", "h264"}, {"Audio", "mp3", "2"}}, 2, 0, "3", "at least 4 kbit/s"},
+        {"MPEG-4 at letters", {{"Video", "h264"}, {"Audio", "mp3", "2"}}, 1, 0, "fast", "whole number of kbit/s"},
+        {"copied video ignores the bit rate", {{"Video", "h264"}, {"Audio", "mp3", "2"}}, 0, 0, "fast", nullptr},
+        {"burning into a copied picture", {{"Video", "mpeg4"}, {"Audio", "mp3", "2"}, {"Subtitle", "srt"}}, 0, 0, "1000",
+         "Burning a subtitle needs the video re-encoded"},
+        {"burning into MPEG-4", {{"Video", "mpeg4"}, {"Audio", "mp3", "2"}, {"Subtitle", "srt"}}, 1, 0, "1000", nullptr},
+        {"VP9 passed through", {{"Video", "vp9"}, {"Audio", "mp3", "2"}}, 0, 0, "1000", "cannot hold VP9 video"},
+        {"MPEG-2 passed through from a TS", {{"Video", "mpeg2"}, {"Audio", "mp2", "2"}}, 0, 0, "1000",
+         "out of a transport stream", "m2ts"},
+        {"MPEG-2 passed through from a VOB", {{"Video", "mpeg2"}, {"Audio", "ac3", "6"}}, 0, 0, "1000", nullptr, "vob"},
+        {"two audio tracks", {{"Video", "h264"}, {"Audio", "mp3", "2"}, {"Audio", "ac3", "6"}}, 0, 0, "1000",
+         "(selected: 1 video, 2 audio, 0 subtitle)"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.what);
+        Rules r;
+        auto file = makeFile(c.tracks, QString::fromLatin1(c.extension));
+        file->theVideoBitRate = QString::fromLatin1(c.typedBitRate) == QLatin1String("0") ? QStringLiteral("0")
+                                                                                          : QStringLiteral("1000");
+        r.load(file);
+        r.rules.setVideoMatrixIndex(c.videoRow);
+        r.rules.setAudioMatrixIndex(c.audioRow);
+        r.rules.setEnteredUserVideoBitRate(QString::fromLatin1(c.typedBitRate));
+        EXPECT_EQ(r.rules.canConvert, c.refusal == nullptr);
+        if (c.refusal)
+            EXPECT_TRUE(r.rules.convertRefusalText().contains(QString::fromLatin1(c.refusal)))
+                << r.rules.convertRefusalText().toStdString();
+        else
+            EXPECT_EQ(r.rules.convertRefusalText(), QString());
+    }
+}
+
+TEST(MCSelectionControllerTest, RefusalIsAnnouncedAndLiftedWithTheChoice)
+{
+    Rules r;
+    r.load(makeFile({{"Video", "mpeg4"}, {"Audio", "mp3", "2"}}));
+    QStringList announced;
+    QObject::connect(&r.rules, &MCSelectionController::convertRefusalTextChanged,
+                     [&announced](const QString &text) { announced << text; });
+    // MP3 goes up to 320 kbit/s: LAME refuses "preset=448".
+    r.rules.setAudioMatrixIndex(1);
+    r.record().userAudioBitRate = QStringLiteral("448");
+    r.rules.updateTabs();
+    EXPECT_FALSE(r.rules.canConvert);
+    r.rules.updateTabs();
+    r.record().userAudioBitRate = QStringLiteral("320");
+    r.rules.updateTabs();
+    EXPECT_TRUE(r.rules.canConvert);
+    EXPECT_EQ(announced, (QStringList{QStringLiteral("MP3 goes up to 320 kbit/s: choose a lower audio bit rate."), QString()}));
+    // No file, no reason.
+    r.load(makeFile({}));
+    EXPECT_EQ(r.rules.convertRefusalText(), QString());
 }
 
 TEST(MCSelectionControllerTest, OptionRowsWriteEachTracksWantedOutput)

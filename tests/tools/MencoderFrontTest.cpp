@@ -129,25 +129,76 @@ TEST_F(MencoderFrontTest, RawAacStereoDownMixFromAMatroskaTrack)
 TEST_F(MencoderFrontTest, AudioIdIsReadAsMencoderNumbersEachContainer)
 {
     // A silent first audio track and a sounding second one.
-    const QString inputs = QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i anullsrc=r=48000:cl=stereo "
-                                          "-f lavfi -i sine=f=440:r=48000 -t 2 -map 0 -map 1 -map 2 -c:v mpeg4 -ac 2 -c:a ac3");
+    const QString twoTracks = QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i anullsrc=r=48000:cl=stereo "
+                                             "-f lavfi -i sine=f=440:r=48000 -t 2 -map 0 -map 1 -map 2 -c:v mpeg4 -ac 2 -c:a %1");
     const struct
     {
         QString name;
+        QString inputs;
+        QString reader;
         QString audioId;
-    } files[] = {{QStringLiteral("two.avi"), QStringLiteral("2")}, // AVI: the stream number
-                 {QStringLiteral("two.mkv"), QStringLiteral("1")}}; // Matroska: the audio track
+    } files[] = {{QStringLiteral("two.avi"), twoTracks.arg(QStringLiteral("ac3")), QString(), QStringLiteral("2")}, // the stream number
+                 {QStringLiteral("two.mkv"), twoTracks.arg(QStringLiteral("ac3")), QString(), QStringLiteral("1")}, // the audio track
+                 // FFmpeg's readers count audio tracks, whatever the container.
+                 {QStringLiteral("lavf.avi"), twoTracks.arg(QStringLiteral("ac3")), QStringLiteral("-demuxer lavf"), QStringLiteral("1")},
+                 // A program stream: AC-3 by its sub-stream id, MPEG audio from 0.
+                 {QStringLiteral("two.vob"), twoTracks.arg(QStringLiteral("ac3 -f vob")), QString(), QStringLiteral("129")},
+                 {QStringLiteral("two.mpg"), twoTracks.arg(QStringLiteral("mp2 -f vob")), QString(), QStringLiteral("1")},
+                 // MPlayer reads Flash Video through FFmpeg too.
+                 {QStringLiteral("one.flv"),
+                  QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i sine=f=440:r=44100 -t 2 -c:v flv -c:a libmp3lame"),
+                  QString(), QStringLiteral("0")}};
     for (const auto &file : files) {
-        const QString input = testsupport::ffmpeg(dir.path(), file.name, inputs);
+        const QString input = testsupport::ffmpeg(dir.path(), file.name, file.inputs);
         const QString output = input + QStringLiteral(".ac3");
         QString log;
-        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -aid %2 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=192 -channels 2 "
-                                          "-srate 48000 -of rawaudio -o \"%3\"").arg(input, file.audioId, output),
+        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" %2 -aid %3 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=192 -channels 2 "
+                                          "-srate 48000 -of rawaudio -o \"%4\"").arg(input, file.reader, file.audioId, output),
                            &log),
                   0)
             << log.toStdString();
         EXPECT_GT(standin::channelLoudness(output, QStringLiteral("FL")), -40.0) << file.name.toStdString();
     }
+}
+
+TEST_F(MencoderFrontTest, MpegAudioCopiedThroughFfmpegsReadersKeepsItsLength)
+{
+    // MEncoder alone writes MP3 read through FFmpeg with a header that
+    // stretches it to minutes (from Matroska), or to a third (from an AVI).
+    const QString mkv = testsupport::ffmpeg(dir.path(), QStringLiteral("mp3.mkv"),
+                                            QStringLiteral("-i '%1' -c copy").arg(stereoAvi));
+    const struct
+    {
+        QString input;
+        QString options;
+    } cases[] = {{stereoAvi, QStringLiteral("-demuxer lavf ") + kXvidVideo},
+                 {mkv, QStringLiteral("-ovc copy")}};
+    for (const auto &c : cases) {
+        const QString output = c.input + QStringLiteral(".avi");
+        QString log;
+        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" %2 -oac copy -aid 0 -noautoexpand -o \"%3\"").arg(c.input, c.options, output),
+                           &log),
+                  0)
+            << log.toStdString();
+        EXPECT_TRUE(log.contains(QStringLiteral("-audio-demuxer audio"))) << log.toStdString();
+        QString decoded;
+        testsupport::run(QStringLiteral("ffmpeg -hide_banner -nostdin -i '%1' -map 0:a:0 -f null - 2>&1 "
+                                        "| grep -o 'time=[0-9:.]*' | tail -1").arg(output),
+                         &decoded);
+        EXPECT_EQ(decoded.trimmed().left(13), QStringLiteral("time=00:00:04")) << c.input.toStdString();
+        EXPECT_NEAR(standin::seconds(output, QStringLiteral("Audio")), 4.0, 0.15);
+    }
+
+    // AC-3, and MP3 that MEncoder reads with its own AVI reader, reach it as they are.
+    for (const QString &input : {centreAvi, stereoAvi}) {
+        QString log;
+        const QString output = dir.path() + QStringLiteral("/untouched.avi");
+        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -ovc copy -oac copy -o \"%2\"").arg(input, output), &log), 0)
+            << log.toStdString();
+        EXPECT_TRUE(log.startsWith(QStringLiteral("MEncoder"))) << log.toStdString();
+    }
+    expectFiles({QStringLiteral("mp3.mkv"), QStringLiteral("mp3.mkv.avi"), QStringLiteral("stereo.avi.avi"),
+                 QStringLiteral("untouched.avi")});
 }
 
 TEST_F(MencoderFrontTest, AudioStartingAfterTheVideoKeepsItsPlace)

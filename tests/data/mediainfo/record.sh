@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
 # Regenerates the recorded mediainfo reports in this folder: makes small media
 # files with ffmpeg and mkvmerge in a scratch folder and saves
-# `mediainfo -f --Legacy NAME` for each as NAME.txt. The reports are kept whole
-# except for lines that change on every run (dates) and a few long, repetitive
-# groups that nothing reads (sizes, durations, delays, encoder settings).
+# `mediainfo -f NAME` for each as NAME.txt, through the resource folder's
+# mediainfo (which adds --Legacy, as Kestrane runs it). The reports are kept
+# whole except for lines that change on every run (dates) and a few long,
+# repetitive groups that nothing reads (sizes, durations, delays, encoder
+# settings). `record.sh NAME...` records only those reports.
 set -euo pipefail
 out=$(cd "$(dirname "$0")" && pwd)
+mediainfo=$(cd "$out/../../.." && pwd)/resources/wrappers/mediainfo
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -33,8 +36,32 @@ ff -f lavfi -i sine=sample_rate=48000 -t 1 -ac 6 -c:a dca -strict -2 audio.dts
 
 printf 'This is not a video, only some notes.\n' > notes.txt
 
-for name in xvid_mp3.avi h264_ac3_srt.mkv h264_aac_text.mp4 stream.ts audio.ogg audio.dts subs.srt notes.txt; do
-  mediainfo -f --Legacy "$name" \
+# Today's codecs.
+small="-f lavfi -i testsrc=size=256x144:rate=25"
+ff $small -f lavfi -i sine=sample_rate=48000 -t 1 -c:v libx265 -preset ultrafast -x265-params log-level=error \
+  -c:a libopus -ac 2 hevc_opus.mkv
+ff $small -f lavfi -i sine=sample_rate=48000 -t 1 -c:v libx265 -preset ultrafast -x265-params log-level=error \
+  -tag:v hvc1 -c:a aac -ac 2 hevc_aac.mp4
+ff $small -f lavfi -i sine=sample_rate=48000 -t 1 -c:v libvpx -deadline realtime -c:a libvorbis -ac 2 vp8_vorbis.webm
+ff $small -f lavfi -i sine=sample_rate=48000 -t 1 -c:v libsvtav1 -preset 12 -c:a eac3 -ac 6 av1_eac3.mkv 2>/dev/null
+ff $small -f lavfi -i sine=sample_rate=48000 -t 1 -c:v libvpx-vp9 -deadline realtime -c:a truehd -strict -2 -ac 2 \
+  vp9_truehd.mkv
+
+# Flash Video, whose streams mediainfo gives no ID.
+ff $video -f lavfi -i sine=sample_rate=44100 -t 1 -c:v flv -c:a libmp3lame -ac 2 flv_mp3.flv
+
+# Audio ids of program streams: AC-3 and LPCM in the private stream, two
+# MPEG audio streams.
+ff $video -f lavfi -i sine=sample_rate=48000 -f lavfi -i sine=sample_rate=48000 -t 1 -map 0 -map 1 -map 2 \
+  -c:v mpeg2video -c:a:0 ac3 -ac 6 -c:a:1 pcm_s16be -f vob ac3_lpcm.vob 2>/dev/null # LPCM packets overflow the muxer buffer: it says so per packet
+ff $video -f lavfi -i sine=sample_rate=48000 -f lavfi -i sine=sample_rate=48000 -t 1 -map 0 -map 1 -map 2 \
+  -c:v mpeg2video -c:a mp2 -f vob two_mp2.mpg
+
+names=(xvid_mp3.avi h264_ac3_srt.mkv h264_aac_text.mp4 stream.ts audio.ogg audio.dts subs.srt notes.txt
+       hevc_opus.mkv hevc_aac.mp4 vp8_vorbis.webm av1_eac3.mkv vp9_truehd.mkv ac3_lpcm.vob two_mp2.mpg flv_mp3.flv)
+[ $# -gt 0 ] && names=("$@")
+for name in "${names[@]}"; do
+  "$mediainfo" -f "$name" \
     | grep -v -e '^File last modification date' -e '^File creation date' -e '^Encoded date' \
               -e '^Tagged date' -e '^Encoding settings' -e '^Encoded_Library_Settings' \
               -e '^Stream size' -e '^Source stream size' -e '^File size' -e '^Duration' \
