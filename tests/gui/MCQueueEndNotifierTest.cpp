@@ -1,7 +1,7 @@
 // The desktop is told when the queue runs out of work, with what came of it.
 #include "MCDesktopNotification.h"
 #include "MCJob.h"
-#include "MCJobTypes.h"
+#include "MCJobFactory.h"
 #include "MCQueueController.h"
 #include "MCQueueEndNotifier.h"
 #include "MCSelection.h"
@@ -17,6 +17,27 @@
 
 namespace {
 
+// A queued job that never ends by itself: the test ends it, as a real job
+// ends, completed or failed.
+class IdleJob : public MCJob
+{
+public:
+    using MCJob::MCJob;
+    void startJob() override {}
+    void end(const QString &failure = {})
+    {
+        if (failure.isEmpty())
+            jobDone();
+        else
+            failJob(failure, nullptr);
+    }
+};
+
+void end(MCJob *job, const QString &failure = {})
+{
+    static_cast<IdleJob *>(job)->end(failure);
+}
+
 struct Sent
 {
     QString summary, body;
@@ -27,7 +48,8 @@ class QueueEndNotifierTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        MCJobTypes::registerAll();
+        MCJobFactory::instance().registerJobType(QStringLiteral("MCConvertToAviJob"),
+                                                 [](QObject *parent) { return new IdleJob(parent); });
         notifier = std::make_unique<MCQueueEndNotifier>(
             &queue, [this](const QString &summary, const QString &body) { sent.append({summary, body}); });
         notifier->setFocusCheck([this] { return focused; });
@@ -57,18 +79,22 @@ protected:
 TEST_F(QueueEndNotifierTest, TellsOnceTheLastJobEndsWithCompletedAndFailedCounted)
 {
     const QList<MCJob *> jobs = queueJobs(3);
-    jobs.at(0)->setJobStatus(QStringLiteral("Completed"));
-    jobs.at(1)->setJobStatus(QStringLiteral("Failed"));
+    settle();
+    end(jobs.at(0));
+    settle();
+    end(jobs.at(1), QStringLiteral("the tool failed"));
     settle();
     EXPECT_TRUE(sent.isEmpty()) << "a job still waits";
-    jobs.at(2)->setJobStatus(QStringLiteral("Completed"));
+    end(jobs.at(2));
     settle();
     ASSERT_EQ(sent.size(), 1);
     EXPECT_EQ(sent.first().summary, MCQueueEndNotifier::summary());
     EXPECT_EQ(sent.first().body, QStringLiteral("2 jobs completed, 1 failed."));
 
     // The next run counts afresh; completed jobs left in the table do not count again.
-    queueJobs(1).first()->setJobStatus(QStringLiteral("Failed"));
+    MCJob *next = queueJobs(1).first();
+    settle();
+    end(next, QStringLiteral("the tool failed"));
     settle();
     ASSERT_EQ(sent.size(), 2);
     EXPECT_EQ(sent.last().body, QStringLiteral("1 job failed."));
@@ -77,12 +103,16 @@ TEST_F(QueueEndNotifierTest, TellsOnceTheLastJobEndsWithCompletedAndFailedCounte
 TEST_F(QueueEndNotifierTest, SaysNothingWhileKestraneHasTheFocus)
 {
     focused = true;
-    queueJobs(1).first()->setJobStatus(QStringLiteral("Completed"));
+    MCJob *seen = queueJobs(1).first();
+    settle();
+    end(seen);
     settle();
     EXPECT_TRUE(sent.isEmpty());
     // What the user saw is not told later.
     focused = false;
-    queueJobs(1).first()->setJobStatus(QStringLiteral("Completed"));
+    MCJob *unseen = queueJobs(1).first();
+    settle();
+    end(unseen);
     settle();
     ASSERT_EQ(sent.size(), 1);
     EXPECT_EQ(sent.first().body, QStringLiteral("1 job completed."));
