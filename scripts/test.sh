@@ -18,7 +18,11 @@ for variant in plain asan; do
   echo "== Testing ($variant)"
   export ASAN_OPTIONS=detect_leaks=0:abort_on_error=1
   export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-  if ! ctest --test-dir "$dir" --output-on-failure --parallel "$jobs" --timeout 600; then
+  # The conversion matrix checks what the tools make of many sources; under
+  # the sanitizers it would only run the same tool commands slower.
+  exclude=()
+  if [ "$variant" = asan ]; then exclude=(-LE matrix); fi
+  if ! ctest --test-dir "$dir" --output-on-failure --parallel "$jobs" --timeout 600 "${exclude[@]}"; then
     status=1
   fi
 done
