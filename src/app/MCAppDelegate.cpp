@@ -88,6 +88,9 @@ void MCAppDelegate::applicationDidFinishLaunching()
     selectionController->initialize();
     queueController = new MCQueueController(this, appPreferences);
     queueController->setJournal(&m_journal);
+    // A result never silently takes another's name: the user decides (the
+    // command line answers "Keep Both" unless told to overwrite).
+    queueController->existingResults = MCJob::ExistingResults::Ask;
     watchModeController = new MCWatchModeController(this);
     watchModeController->appDelegate = this;
     watchModeController->appPreferences = appPreferences;

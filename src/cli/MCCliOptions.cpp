@@ -69,6 +69,7 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("help"), false, {}, [](MCCliOptions &o, const QString &) { o.help = true; return std::optional<QString>(); }},
         {QStringLiteral("version"), false, {}, [](MCCliOptions &o, const QString &) { o.version = true; return std::optional<QString>(); }},
         {QStringLiteral("dry-run"), false, {}, [](MCCliOptions &o, const QString &) { o.dryRun = true; return std::optional<QString>(); }},
+        {QStringLiteral("overwrite"), false, {}, [](MCCliOptions &o, const QString &) { o.overwrite = true; return std::optional<QString>(); }},
         {QStringLiteral("quiet"), false, {}, [](MCCliOptions &o, const QString &) { o.quiet = true; return std::optional<QString>(); }},
         {QStringLiteral("settings"), true, {}, [](MCCliOptions &o, const QString &v) { o.settingsFile = v; return std::optional<QString>(); }},
         {QStringLiteral("save-dir"), true, {}, [](MCCliOptions &o, const QString &v) { o.saveDir = v; return std::optional<QString>(); }},

@@ -19,6 +19,7 @@ struct MCCliOptions
     bool version = false;
     bool dryRun = false;
     bool quiet = false;
+    bool overwrite = false; // a result may take the place of a file of its name
     QString settingsFile;
     QString saveDir;
 

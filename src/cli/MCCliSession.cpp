@@ -125,6 +125,8 @@ int MCCliSession::setUp()
         // For this run only: the preference itself is never saved from here.
         m_app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(QFileInfo(m_options.saveDir).absoluteFilePath());
     }
+    if (m_options.overwrite)
+        m_app->queueController->existingResults = MCJob::ExistingResults::Replace;
     m_app->queueSelection = [this](const MCSelectionPtr &selection) { takeSelection(selection); };
     connect(m_app.get(), &MCAppDelegate::batchFileSkipped, this,
             [this](const QUrl &url, const QString &answer) { fail(loadFailureLine(url.fileName(), answer)); });

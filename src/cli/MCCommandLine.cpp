@@ -131,6 +131,8 @@ QString MCCommandLine::helpText()
         "Options of every command:\n"
         "      --settings FILE       use this settings file instead of the user's\n"
         "      --save-dir DIR        write results into DIR for this run\n"
+        "      --overwrite           a result takes the place of a file of its name\n"
+        "                            in the save folder (never of a source)\n"
         "      --dry-run             print what would be done and the tool commands;\n"
         "                            queue nothing, write nothing\n"
         "      --quiet               print only one line per finished job\n"

@@ -157,6 +157,36 @@ void MCJob::startJob()
 {
 }
 
+QString MCJob::spaceShortage() const
+{
+    const QString folder = saveFolderPath();
+    const QStorageInfo volume(folder);
+    if (folder.isEmpty() || !volume.isValid() || !volume.isReady())
+        return {};
+    qint64 needed = 0;
+    QStringList counted;
+    for (const QString &input : jobInputPaths()) {
+        const QFileInfo source(input);
+        if (counted.contains(source.canonicalFilePath()) || !source.isFile())
+            continue;
+        counted << source.canonicalFilePath();
+        needed += source.size();
+    }
+    // A result about the size of its sources, logs and statistics beside it.
+    needed += needed / 10 + lowFreeSpaceBytes;
+    if (volume.bytesAvailable() >= needed)
+        return {};
+    return QStringLiteral("It appears that your save volume is almost out of free space. This job needs about %1 MB; %2 has %3 MB free.")
+        .arg(needed / 1000000 + 1)
+        .arg(folder)
+        .arg(volume.bytesAvailable() / 1000000);
+}
+
+void MCJob::refuseToStart(const QString &reason)
+{
+    failJob(reason, nullptr);
+}
+
 QString MCJob::saveFolderPath() const
 {
     if (appPreferences && !appPreferences->saveDirectoryURL.toLocalFile().isEmpty())
@@ -373,7 +403,51 @@ void MCJob::finishJob(const QString &reason, const MCConverterPtr &failedStep)
         failJob(reason, failedStep);
         return;
     }
+    QStringList taken;
+    for (const QString &path : stagedResults()) {
+        if (m_staging.nameIsTaken(path))
+            taken << QFileInfo(path).fileName();
+    }
+    if (!taken.isEmpty() && existingResults == ExistingResults::Ask) {
+        askAboutExistingResults(taken);
+        return;
+    }
+    publishResults(existingResults == ExistingResults::Replace);
+}
+
+QStringList MCJob::stagedResults() const
+{
+    QStringList staged;
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (!step)
+            continue;
+        for (const QString &path : step->resultPaths()) {
+            if (m_staging.contains(path))
+                staged << path;
+        }
+    }
+    return staged;
+}
+
+void MCJob::askAboutExistingResults(const QStringList &taken)
+{
+    MCAlert alert;
+    alert.message = taken.size() == 1
+                        ? QStringLiteral("\"%1\" already exists in the save folder.").arg(taken.first())
+                        : QStringLiteral("\"%1\" and %2 more files already exist in the save folder.").arg(taken.first()).arg(taken.size() - 1);
+    alert.informativeText = QStringLiteral("Keep both (the new result takes a numbered name), or replace the existing file "
+                                           "with the new result?");
+    alert.buttons = {QStringLiteral("Keep Both"), QStringLiteral("Replace")};
+    MCAlertCenter::instance().present(alert, [job = QPointer<MCJob>(this)](int code) {
+        if (job && !job->jobIsCancelled())
+            job->publishResults(code == MCAlertSecondButtonReturn);
+    });
+}
+
+void MCJob::publishResults(bool replacing)
+{
     QStringList published;
+    const QStringList inputs = jobInputPaths();
     for (const MCConverterPtr &step : stepConverterList()) {
         if (!step)
             continue;
@@ -382,7 +456,7 @@ void MCJob::finishJob(const QString &reason, const MCConverterPtr &failedStep)
                 published << path; // a tool that writes beside its source
                 continue;
             }
-            const QString finalPath = m_staging.publish(path);
+            const QString finalPath = replacing ? m_staging.publishReplacing(path, inputs) : m_staging.publish(path);
             if (finalPath.isEmpty()) {
                 failJob(QStringLiteral("The result %1 could not be put in place: %2")
                             .arg(QFileInfo(path).fileName(), m_staging.errorText()),

@@ -71,6 +71,11 @@ public:
     QString stagingFolderPath() const { return m_staging.path(); }
     // The job's entry in the queue kept on disk ("" when not kept).
     QString journalId;
+    // What happens when a result's name is already taken in the save folder:
+    // the new result takes a numbered name, replaces the file (never one of
+    // the job's own sources), or the user is asked.
+    enum class ExistingResults { KeepBoth, Replace, Ask };
+    ExistingResults existingResults = ExistingResults::KeepBoth;
 
     // Once the job has ended: why it failed ("" when it did not), the log
     // kept for the user when it failed, and where its results now are.
@@ -81,6 +86,11 @@ public:
 
     // Builds and starts the steps and the first monitor loop. The base does nothing.
     virtual void startJob();
+    // Why the job cannot start ("" when it can): its save folder has less
+    // room than its sources take, which a result of it needs about as well.
+    QString spaceShortage() const;
+    // Ends a job that never started as failed (main thread).
+    void refuseToStart(const QString &reason);
     // End of a job: cleanup (unless logs are kept), "jobDone", free-space check.
     void jobDone();
     // Pause and resume reach every tool of the job that still runs.
@@ -141,6 +151,9 @@ private:
                              qsizetype position);
     QString firstStepFailure(MCConverterPtr *failedStep) const;
     void finishJob(const QString &reason, const MCConverterPtr &failedStep);
+    QStringList stagedResults() const;
+    void askAboutExistingResults(const QStringList &taken);
+    void publishResults(bool replacing);
     bool ensureStaging();
     void beginTick();
     void appendRow(const QVariantMap &row);

@@ -85,6 +85,32 @@ QString MCJobStaging::publish(const QString &file)
     return {};
 }
 
+bool MCJobStaging::nameIsTaken(const QString &file) const
+{
+    struct stat target {};
+    return ::lstat(QFile::encodeName(QDir(m_saveFolder).filePath(QFileInfo(file).fileName())).constData(), &target) == 0;
+}
+
+QString MCJobStaging::publishReplacing(const QString &file, const QStringList &protectedFiles)
+{
+    const QString target = QDir(m_saveFolder).filePath(QFileInfo(file).fileName());
+    struct stat existing {};
+    if (::lstat(QFile::encodeName(target).constData(), &existing) != 0 || !S_ISREG(existing.st_mode))
+        return publish(file);
+    for (const QString &protectedFile : protectedFiles) {
+        struct stat other {};
+        // Device and inode: the same file whatever its name or path.
+        if (::stat(QFile::encodeName(protectedFile).constData(), &other) == 0 && other.st_dev == existing.st_dev
+            && other.st_ino == existing.st_ino)
+            return publish(file);
+    }
+    if (::rename(QFile::encodeName(file).constData(), QFile::encodeName(target).constData()) != 0) {
+        m_errorText = QString::fromLocal8Bit(std::strerror(errno));
+        return {};
+    }
+    return target;
+}
+
 void MCJobStaging::remove()
 {
     if (m_path.isEmpty())

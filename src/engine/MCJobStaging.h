@@ -28,6 +28,12 @@ public:
     // or "NAME (2).EXT", "NAME (3).EXT", ... when that is taken. Answers the
     // final path, or "" (errorText set) when it could not be moved.
     QString publish(const QString &file);
+    // The same, but a file already standing at the name is replaced, unless
+    // it is one of the protected files (the same file under any name: a
+    // hard link to a source) or not a plain file; then a free name is taken.
+    QString publishReplacing(const QString &file, const QStringList &protectedFiles);
+    // Whether a file of this folder would not get its own name in the save folder.
+    bool nameIsTaken(const QString &file) const;
     // Removes the folder and all it holds.
     void remove();
 

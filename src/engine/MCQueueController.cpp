@@ -104,6 +104,7 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
         job->jobFileName = fileName;
         job->jobSelection = jobSelection;
         job->appPreferences = appPreferences;
+        job->existingResults = existingResults;
         if (m_journal)
             job->journalId = m_journal->record(job->jobType, fileName, *jobSelection);
         appendJob(job);
@@ -178,6 +179,10 @@ void MCQueueController::manageQueue()
         // A kept log then tells what the job was asked to do.
         if (job->jobSelection)
             job->jobSelection->logSelectionProperties();
+        if (const QString shortage = job->spaceShortage(); !shortage.isEmpty()) {
+            job->refuseToStart(shortage);
+            return;
+        }
         job->startJob();
         if (m_journal)
             m_journal->noteStarted(job->journalId, job->stagingFolderPath());

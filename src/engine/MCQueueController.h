@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MCHelpers.h"
+#include "MCJob.h"
 #include "MCNotificationCenter.h"
 #include "MCSelection.h"
 
@@ -9,7 +10,6 @@
 #include <QTimer>
 #include <QVariantList>
 
-class MCJob;
 class MCJobJournal;
 class MCPreferences;
 class MCProgressTableModel;
@@ -65,6 +65,8 @@ public:
 
     MCPreferences *appPreferences = nullptr;
     void setWatchModeController(MCWatchModeLink *watchModeController);
+    // What every job made from now on does with a result whose name is taken.
+    MCJob::ExistingResults existingResults = MCJob::ExistingResults::KeepBoth;
     // Keeps every queued job on disk until it ends, so a Kestrane that was
     // killed can offer its jobs again. Not owned; none by default.
     void setJournal(MCJobJournal *journal) { m_journal = journal; }

@@ -221,6 +221,18 @@ TEST_F(CliJobs, EditingCommandsWriteTheirResults)
     result = runCli(common() + QStringList{QStringLiteral("extract"), one, QStringLiteral("--tracks"), QStringLiteral("1,2")});
     EXPECT_EQ(result.status, 0) << result.err.toStdString();
     EXPECT_EQ(filesIn(saveDir.path()).size(), 2) << filesIn(saveDir.path()).join(' ').toStdString();
+    // Again: the earlier results stay and the new ones take free names; with
+    // --overwrite they take the names themselves.
+    const QStringList firstRun = filesIn(saveDir.path());
+    result = runCli(common() + QStringList{QStringLiteral("extract"), one, QStringLiteral("--tracks"), QStringLiteral("1,2")});
+    EXPECT_EQ(result.status, 0) << result.err.toStdString();
+    EXPECT_EQ(filesIn(saveDir.path()).size(), 4) << filesIn(saveDir.path()).join(' ').toStdString();
+    freshResults();
+    runCli(common() + QStringList{QStringLiteral("extract"), one, QStringLiteral("--tracks"), QStringLiteral("1,2")});
+    result = runCli(common() + QStringList{QStringLiteral("extract"), QStringLiteral("--overwrite"), one, QStringLiteral("--tracks"),
+                                           QStringLiteral("1,2")});
+    EXPECT_EQ(result.status, 0) << result.err.toStdString();
+    EXPECT_EQ(filesIn(saveDir.path()), firstRun);
 
     freshResults();
     const QString mp3 = testsupport::ffmpeg(settingsDir.path(), QStringLiteral("voice.mp3"),

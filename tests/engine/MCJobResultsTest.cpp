@@ -268,3 +268,42 @@ TEST(PreferencesHandOver, TheQueueHandsItsPreferencesToJobsAndJobsToTheirSteps)
 }
 
 } // namespace
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+TEST_F(JobResultsTest, ReplacingTakesThePlaceOfAnEarlierResult)
+{
+    job.existingResults = MCJob::ExistingResults::Replace;
+    write(prefs.saveFolder + u"/clip.avi.avi"_s, "an earlier result");
+    run(u"printf film > OUT"_s);
+    EXPECT_EQ(job.resultPaths(), QStringList{prefs.saveFolder + u"/clip.avi.avi"_s});
+    EXPECT_EQ(read(prefs.saveFolder + u"/clip.avi.avi"_s), "film");
+}
+
+TEST_F(JobResultsTest, ReplacingNeverReplacesTheSourceUnderAnotherNameNorAFolder)
+{
+    job.existingResults = MCJob::ExistingResults::Replace;
+    ASSERT_EQ(::link(QFile::encodeName(input).constData(), QFile::encodeName(prefs.saveFolder + u"/clip.avi.avi"_s).constData()), 0);
+    QDir(prefs.saveFolder).mkpath(u"clip.avi (2).avi"_s);
+    run(u"printf film > OUT"_s);
+    EXPECT_EQ(job.resultPaths(), QStringList{prefs.saveFolder + u"/clip.avi (3).avi"_s});
+    EXPECT_EQ(read(input), "the user's film");
+}
+
+TEST_F(JobResultsTest, AskingLetsTheUserKeepBothOrReplace)
+{
+    const auto alerts = testsupport::recordAlerts();
+    job.existingResults = MCJob::ExistingResults::Ask;
+    write(prefs.saveFolder + u"/clip.avi.avi"_s, "an earlier result");
+    alerts->answer = MCAlertSecondButtonReturn; // "Replace"
+    run(u"printf film > OUT"_s);
+    ASSERT_EQ(alerts->alerts.size(), 1);
+    EXPECT_EQ(alerts->alerts.at(0).message, u"\"clip.avi.avi\" already exists in the save folder."_s);
+    EXPECT_EQ(alerts->alerts.at(0).buttons, (QStringList{u"Keep Both"_s, u"Replace"_s}));
+    EXPECT_EQ(read(prefs.saveFolder + u"/clip.avi.avi"_s), "film");
+    MCAlertCenter::instance().setPresenter(nullptr);
+}
+
+} // namespace

@@ -355,6 +355,9 @@ TEST_F(AviConversionTest, FullSaveFolderFailsTheJobAndLeavesNoTruncatedResult)
     testsupport::run(QStringLiteral("umount '%1'").arg(prefs.saveFolder));
     ASSERT_TRUE(finished);
     EXPECT_EQ(first->jobStatus(), QStringLiteral("Failed"));
+    // Known before any tool runs: the folder has less room than the source takes.
+    EXPECT_TRUE(first->failureReason().startsWith(QStringLiteral("It appears that your save volume is almost out of free space.")))
+        << first->failureReason().toStdString();
     EXPECT_EQ(md5Of(mkvMovie()), sourceSum);
     // At most the log that tells why; no AVI that looks like a result.
     for (const QString &name : left)
