@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QSemaphore>
 #include <QStorageInfo>
+#include <QTimer>
 
 #include <csignal>
 
@@ -20,6 +21,7 @@ namespace {
 std::atomic<quint64> nextJobSerial{1};
 
 constexpr int kTickMilliseconds = 500;
+constexpr int kRefusalDelayMilliseconds = 100;
 // A tool that ignores the polite stop is ended for good after this long.
 constexpr int kStopGraceMilliseconds = 3000;
 
@@ -214,7 +216,7 @@ bool MCJob::ensureStaging()
     return true;
 }
 
-void MCJob::startStep(const MCConverterPtr &step, bool addStartRow)
+void MCJob::startStep(const MCConverterPtr &step, bool addStartRow, const MCSelectionPtr &selection)
 {
     // A dry run composes commands only and writes nothing, not even a folder.
     if (!MCConverter::isRecordingCommands() && !ensureStaging()) {
@@ -227,7 +229,7 @@ void MCJob::startStep(const MCConverterPtr &step, bool addStartRow)
         if (job)
             job->wakeMonitor();
     };
-    const QString pid = step->startConversionFor(jobSelection);
+    const QString pid = step->startConversionFor(selection ? selection : jobSelection);
     appendStepPID(pid);
     if (addStartRow) {
         QMutexLocker lock(&m_mutex);
@@ -501,6 +503,11 @@ void MCJob::failJob(const QString &reason, const MCConverterPtr &failedStep)
     MCLog::line(QStringLiteral("Failed: %1: %2%3")
                     .arg(jobFileName, reason, keptLog.isEmpty() ? QString() : QStringLiteral(" (log: %1)").arg(keptLog)));
     jobDone();
+}
+
+void MCJob::refuseJob(const QString &reason)
+{
+    QTimer::singleShot(kRefusalDelayMilliseconds, this, [this, reason] { failJob(reason, nullptr); });
 }
 
 void MCJob::handOffAndWait(const std::function<void()> &work)

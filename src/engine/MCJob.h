@@ -110,10 +110,11 @@ signals:
 protected:
     QThreadPool monitorQueue;
 
-    // Starts a step for the job's selection inside the job's private folder:
-    // its id joins stepPIDList, its log and intermediate file the deletion
-    // lists; with addStartRow a row (stepName, "0%") is added.
-    void startStep(const MCConverterPtr &step, bool addStartRow);
+    // Starts a step for the job's selection (or the one given) inside the
+    // job's private folder: its id joins stepPIDList, its log and
+    // intermediate file the deletion lists; with addStartRow a row
+    // (stepName, "0%") is added.
+    void startStep(const MCConverterPtr &step, bool addStartRow, const MCSelectionPtr &selection = nullptr);
 
     // Puts a monitor loop on monitorQueue: every tick asks each step for its
     // status and builds the rows as the policy says, posts them, and waits
@@ -144,6 +145,9 @@ protected:
     // Ends the job as failed (main thread): its results are removed, the
     // failed step's log is kept, and the queue reads "Failed".
     void failJob(const QString &reason, const MCConverterPtr &failedStep);
+    // Ends a job that cannot run as failed, without a step, a moment after
+    // its start (so the queue's bookkeeping of the start comes first).
+    void refuseJob(const QString &reason);
 
 private:
     bool monitorTick(const MCMonitorPolicy &policy);

@@ -1,5 +1,7 @@
 #include "MCMencoderVideo.h"
 
+#include "MCAudioOptions.h"
+
 #include "MCContainers.h"
 #include "MCNotificationCenter.h"
 #include "MCPreferences.h"
@@ -10,13 +12,6 @@ namespace {
 
 const QString kVideo = QStringLiteral("Video");
 const QString kAudio = QStringLiteral("Audio");
-
-// Every channel in its own place: the six channels go to the encoder as
-// the decoder delivers them (DTS included, see docs/adaptations.md).
-const QString kIdentityMap = QStringLiteral("-af pan=6:%1:%2:%3:%4:%5:%6")
-                                 .arg(QStringLiteral("1:0:0:0:0:0"), QStringLiteral("0:1:0:0:0:0"),
-                                      QStringLiteral("0:0:1:0:0:0"), QStringLiteral("0:0:0:1:0:0"),
-                                      QStringLiteral("0:0:0:0:1:0"), QStringLiteral("0:0:0:0:0:1"));
 
 QString mp3Options(const QString &bitRate)
 {
@@ -114,13 +109,11 @@ MCOptionList MCMencoderVideo::audioOptions() const
         if (audio->userCodec == QStringLiteral("mp3"))
             options << mp3Options(audio->userBitRate);
         else if (audio->userCodec == QStringLiteral("ac3"))
-            options << QStringLiteral("-oac lavc -lavcopts acodec=ac3:abitrate=%1 -channels 6 %2 -srate 48000")
-                           .arg(audio->userBitRate, kIdentityMap);
+            options << MCAudioOptions::surroundAc3(audio->userBitRate);
     } else {
         options << mp3Options(audio->userBitRate);
     }
-    if (audio->trackCodec == QStringLiteral("ogg"))
-        options << QStringLiteral("-afm tremor");
+    options << MCAudioOptions::decoderFor(*audio);
     if (audio->trackFilePath == converterSelection->videoTrackFilePath)
         options << QStringLiteral("-aid %1").arg(audioIdFor(*audio));
     else

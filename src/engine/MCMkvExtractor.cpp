@@ -1,5 +1,7 @@
 #include "MCMkvExtractor.h"
 
+#include "MCMkvJobChecks.h"
+
 MCMkvExtractor::MCMkvExtractor()
 {
     converterName = QStringLiteral("mkvExtractor");
@@ -11,15 +13,11 @@ QString MCMkvExtractor::startConversionFor(const MCSelectionPtr &selection)
     const MCVideoTrackPtr track = trackToProcess();
     if (!track)
         return refuse(QStringLiteral("there is no track to extract"));
-    QString kind;
-    if (track->trackType == QStringLiteral("Video"))
-        kind = QStringLiteral("v");
-    else if (track->trackType == QStringLiteral("Audio"))
-        kind = QStringLiteral("a");
-    else if (track->trackType == QStringLiteral("Subtitle"))
-        kind = QStringLiteral("s");
-    else
-        return refuse(QStringLiteral("mkvextract cannot write a %1 track").arg(track->trackType));
+    if (const QString refusal = MCMkvJobChecks::extractionRefusal(*track); !refusal.isEmpty())
+        return refuse(refusal);
+    const QString kind = track->trackType == QStringLiteral("Video")   ? QStringLiteral("v")
+                         : track->trackType == QStringLiteral("Audio") ? QStringLiteral("a")
+                                                                       : QStringLiteral("s");
     const QString output = QStringLiteral("%1%2.%3%4.%5")
                                .arg(outputFileURL.toLocalFile(),
                                     isTemporaryOutput ? QStringLiteral(".temp") : QString(), kind,

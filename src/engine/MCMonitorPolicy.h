@@ -39,4 +39,15 @@ struct MCMonitorPolicy
         policy.countedLabel = std::move(label);
         return policy;
     }
+    // The mux monitor: "Muxing Step #n".
+    static MCMonitorPolicy muxSteps()
+    {
+        return counted([](const QString &, int counter) { return QStringLiteral("Muxing Step #%1").arg(counter); });
+    }
+    // The multi-step monitor: "<step> Step #n".
+    static MCMonitorPolicy numberedSteps()
+    {
+        return counted(
+            [](const QString &stepName, int counter) { return QStringLiteral("%1 Step #%2").arg(stepName).arg(counter); });
+    }
 };

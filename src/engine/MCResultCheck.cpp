@@ -6,6 +6,26 @@
 
 #include <algorithm>
 
+namespace {
+
+int countOfType(const MCTrackList &tracks, const QString &type)
+{
+    return static_cast<int>(std::count_if(tracks.cbegin(), tracks.cend(),
+                                          [&type](const MCVideoTrackPtr &track) { return track->trackType == type; }));
+}
+
+} // namespace
+
+MCResultExpectation MCResultExpectation::holding(const MCTrackList &tracks, const QString &durationSource)
+{
+    MCResultExpectation expected;
+    expected.media = true;
+    expected.videoTracks = countOfType(tracks, QStringLiteral("Video"));
+    expected.audioTracks = countOfType(tracks, QStringLiteral("Audio"));
+    expected.durationSources = {durationSource};
+    return expected;
+}
+
 namespace MCResultCheck {
 
 namespace {
@@ -39,8 +59,8 @@ QString durationProblem(double found, const MCResultExpectation &expected)
     if (expected.rangeStart >= 0.0 && expected.rangeEnd > expected.rangeStart) {
         // A range that runs past the end of the film ends with the film.
         const double end = std::min(expected.rangeEnd, source);
-        low = std::max(0.0, end - expected.rangeStart);
-        high = low + expected.cutSlackSeconds;
+        high = std::max(0.0, end - expected.rangeStart) + expected.cutSlackSeconds;
+        low = std::max(0.0, end - expected.rangeStart - expected.cutLateSeconds);
     }
     const double tolerance = toleranceFor(high);
     if (found + tolerance >= low && found - tolerance <= high)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MCVideoTrack.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -18,10 +20,16 @@ struct MCResultExpectation
     // The result lasts as long as these files together...
     QStringList durationSources;
     // ...or as the part [rangeStart, rangeEnd) of them (seconds; a cut may
-    // begin up to cutSlackSeconds early, at a key frame).
+    // begin up to cutSlackSeconds early, at a key frame, and, where the tool
+    // waits for the next key frame instead, begin up to cutLateSeconds late).
     double rangeStart = -1.0;
     double rangeEnd = -1.0;
     double cutSlackSeconds = 0.0;
+    double cutLateSeconds = 0.0;
+
+    // A media file holding one track for each video and audio track of the
+    // list, as long as durationSource.
+    static MCResultExpectation holding(const MCTrackList &tracks, const QString &durationSource);
 };
 
 namespace MCResultCheck {

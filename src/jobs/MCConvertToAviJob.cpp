@@ -3,7 +3,6 @@
 #include "MCJobFactory.h"
 #include "MCMencoderVideo.h"
 #include "MCMkvExtractor.h"
-#include "MCMkvMuxer.h"
 #include "MCMp4Extractor.h"
 #include "MCTrackDumper.h"
 
@@ -23,7 +22,7 @@ bool isSrt(const MCVideoTrackPtr &track)
 } // namespace
 
 MCConvertToAviJob::MCConvertToAviJob(QObject *parent)
-    : MCJob(parent)
+    : MCConversionJob(parent)
 {
 }
 
@@ -95,22 +94,4 @@ MCResultExpectation MCConvertToAviJob::expectedAvi() const
 void MCConvertToAviJob::monitorStartJob()
 {
     addMonitorLoop(MCMonitorPolicy::start());
-}
-
-void MCConvertToAviJob::muxStep()
-{
-    auto muxer = std::make_shared<MCMkvMuxer>();
-    muxer->inititializeForTrack(0, QStringLiteral("Muxing Tracks"), true);
-    setStepConverterList({muxer});
-    setStepPIDList({});
-    setProgressList({});
-    startStep(muxer, true);
-    resetMonitorCounters();
-    QTimer::singleShot(100, this, &MCConvertToAviJob::monitorMuxStep);
-}
-
-void MCConvertToAviJob::monitorMuxStep()
-{
-    addMonitorLoop(MCMonitorPolicy::counted(
-        [](const QString &, int counter) { return QStringLiteral("Muxing Step #%1").arg(counter); }));
 }

@@ -1,12 +1,16 @@
 #include "MCJobTypes.h"
 
 #include "MCConvertToAviJob.h"
+#include "MCConvertToMkvJob.h"
 #include "MCEditAviJob.h"
+#include "MCEditMkvJob.h"
 #include "MCReMuxMkvJob.h"
 
 void MCJobTypes::registerAll()
 {
     MCConvertToAviJob::registerJobType();
+    MCConvertToMkvJob::registerJobType();
     MCEditAviJob::registerJobType();
+    MCEditMkvJob::registerJobType();
     MCReMuxMkvJob::registerJobType();
 }

@@ -1,6 +1,8 @@
 #include "MCMkvEditor.h"
 
 #include "MCJoinPropertyCheck.h"
+#include "MCMediaSummary.h"
+#include "MCMkvJobChecks.h"
 #include "MCSplitRange.h"
 
 #include <QFileInfo>
@@ -55,9 +57,13 @@ QString MCMkvEditor::startSplitting()
     logFileURL = QUrl::fromLocalFile(stem + QStringLiteral(".split.log"));
     outputFileURL = QUrl::fromLocalFile(QStringLiteral("%1.split.%2").arg(stem, input.suffix()));
     tempFileToDeleteURL.clear();
+    // Only a range needs the file's length: it must lie within the file.
+    const double fileSeconds = converterSelection->splitType == QStringLiteral("time")
+                                   ? MCMediaSummary::of(inputFileURL.toLocalFile()).durationSeconds
+                                   : 0.0;
+    if (const QString refusal = MCMkvJobChecks::splitRefusal(*converterSelection, fileSeconds); !refusal.isEmpty())
+        return refuse(refusal);
     const QString split = splitOptionFor(*converterSelection);
-    if (split.isEmpty())
-        return refuse(QStringLiteral("the split values cannot be used (a time range must end after it starts, a size must be above 0)"));
     return launchMkvmerge({QStringLiteral("-o"), outputFileURL, split, QStringLiteral("--compression -1:none"),
                            inputFileURL},
                           {inputFileURL});

@@ -1,5 +1,7 @@
 #include "MCMkvMuxer.h"
 
+#include "MCMkvJobChecks.h"
+
 #include <QSet>
 
 namespace {
@@ -31,6 +33,8 @@ QString MCMkvMuxer::startConversionFor(const MCSelectionPtr &selection)
     if (selection->jobType == QStringLiteral("AVI Conversion")) {
         tracksToMux = selection->trackList;
     } else if (selection->jobType == QStringLiteral("AVI Track Removal")) {
+        if (const QString refusal = MCMkvJobChecks::removalRefusal(*selection); !refusal.isEmpty())
+            return refuse(refusal);
         tracksToMux = selection->keepTracksList;
         for (const MCVideoTrackPtr &track : tracksToMux)
             track->initializeForMuxing();

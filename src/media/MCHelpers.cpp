@@ -90,7 +90,7 @@ QString MCHelpers::commandFromOptions(const QString &head, const MCOptionList &o
     for (const QVariant &option : options) {
         if (option.typeId() == QMetaType::QUrl)
             command += QLatin1Char(' ') + doubleQuotedFormOf(option.toUrl().toLocalFile());
-        else if (option.typeId() == QMetaType::QString)
+        else if (option.typeId() == QMetaType::QString && !option.toString().isEmpty())
             command += QLatin1Char(' ') + option.toString();
     }
     return command;

@@ -15,7 +15,7 @@ TEST(MCHelpersCommand, OptionsAreJoinedWithOneBlankEachAndLocationsQuoted)
     const MCOptionList options{QStringLiteral("-p"), QStringLiteral("123"), QString(),
                                QUrl::fromLocalFile(QStringLiteral("/tmp/a b.avi")), QVariant(42)};
     EXPECT_EQ(MCHelpers::commandFromOptions(QStringLiteral("ps"), options).toStdString(),
-              "ps -p 123  \"/tmp/a b.avi\"");
+              "ps -p 123 \"/tmp/a b.avi\"");
 }
 
 TEST(MCHelpersCommand, ToolHeadsForMkvAndFfmpeg)

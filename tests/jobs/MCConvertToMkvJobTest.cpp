@@ -1,0 +1,168 @@
+#include "MCConvertToMkvJob.h"
+#include "MkvTestSupport.h"
+
+namespace {
+
+class MkvConversionTest : public EditingTest
+{
+protected:
+    // The source with every track selected: the video copied, the audio
+    // tracks set by the test, the subtitles muxed as they are.
+    MkvConversionTest()
+        : selection(inspectedSelection(fullMkv(), u"AVI Conversion"_s))
+    {
+        selection->userVideoBitRate = u"400"_s;
+        selection->userPassNumber = u"1"_s;
+        for (const MCVideoTrackPtr &track : selection->trackList)
+            track->userCodec = track->trackType == u"Subtitle"_s ? u"mux"_s : u"passthru"_s;
+    }
+
+    void setAudio(const QString &title, const QString &codec, const QString &channels, const QString &bitRate)
+    {
+        const MCVideoTrackPtr track = titled(*selection, title);
+        track->userCodec = codec;
+        track->userNumberOfChannels = channels;
+        track->userBitRate = bitRate;
+    }
+
+    // Drops every track of that type from the job.
+    void drop(const QString &type)
+    {
+        selection->trackList.removeIf([&type](const MCVideoTrackPtr &track) { return track->trackType == type; });
+    }
+
+    // Runs the job the queue would make (stereo copies join the track list).
+    bool convert()
+    {
+        MCSelectionPtr queued = selection->copy();
+        queued->addAnyStereoTracks();
+        queued->trackList << queued->addedAudioTrackList;
+        JobWatch watch(job);
+        const bool ended = runJob(job, queued, watch);
+        ticks = watch.ticks;
+        return ended && !job.hasFailed();
+    }
+
+    QStringList audioOf(const QString &path) const
+    {
+        QStringList described;
+        for (const QJsonObject &track : mediaTracks(path, u"Audio"_s))
+            described << describe(track);
+        return described;
+    }
+
+    // MPEG-4 video in Matroska's AVI-compatible form, as muxed from MEncoder's AVI.
+    static bool isXvid(const QJsonObject &video)
+    {
+        return video.value(u"Format"_s).toString().contains(u"xvid"_s, Qt::CaseInsensitive);
+    }
+
+    bool sawRow(const QString &row) const
+    {
+        return std::any_of(ticks.cbegin(), ticks.cend(), [&row](const QString &tick) { return tick.contains(row); });
+    }
+
+    const QString result = savedPath(u"all.mkv.muxed.mkv"_s);
+    MCSelectionPtr selection;
+    MCConvertToMkvJob job;
+    QStringList ticks;
+};
+
+} // namespace
+
+TEST_F(MkvConversionTest, MixesSurroundDownAndCopiesTheRestWithLanguagesAndTitles)
+{
+    setAudio(u"Surround"_s, u"aac"_s, u"2"_s, u"160"_s);
+    ASSERT_TRUE(convert()) << job.failureReason().toStdString();
+
+    EXPECT_EQ(saved(u"*"_s), QStringList{u"all.mkv.muxed.mkv"_s});
+    ASSERT_EQ(mediaTracks(result, u"Video"_s).size(), 1);
+    EXPECT_EQ(mediaTracks(result, u"Video"_s).at(0).value(u"Format"_s).toString(), u"AVC"_s);
+    // Tracks come grouped by the file they are muxed from: the source first.
+    EXPECT_EQ(audioOf(result), (QStringList{u"AAC/2/en/Commentary"_s, u"AAC/2/de/Surround"_s}));
+    QStringList subtitles;
+    for (const QJsonObject &track : mediaTracks(result, u"Text"_s))
+        subtitles << describe(track);
+    EXPECT_EQ(subtitles, (QStringList{u"UTF-8//fr/French"_s, u"ASS//en/Signs"_s}));
+    EXPECT_NEAR(durationSeconds(result), durationSeconds(fullMkv()), 0.5);
+    EXPECT_TRUE(decodesCleanly(result));
+    EXPECT_TRUE(sawRow(u"Converting Audio="_s));
+    EXPECT_TRUE(sawRow(u"Muxing Step #"_s));
+}
+
+TEST_F(MkvConversionTest, KeepsSurroundAsAacBesideAStereoCopyAndNamesStereoAc3AfterTheWish)
+{
+    drop(u"Subtitle"_s);
+    titled(*selection, u"Video Track"_s)->userCodec = u"mpeg4"_s;
+    selection->userWidth = u"128"_s;
+    setAudio(u"Surround"_s, u"aac"_s, u"6"_s, u"256"_s);
+    titled(*selection, u"Surround"_s)->createStereoCopyFlag = true;
+    // A stereo source asked for AC-3 is still encoded as stereo AAC.
+    setAudio(u"Commentary"_s, u"ac3"_s, u"6"_s, u"192"_s);
+    prefs.preferences->keepLogsFlag = true;
+    ASSERT_TRUE(convert()) << job.failureReason().toStdString();
+
+    const QList<QJsonObject> video = mediaTracks(result, u"Video"_s);
+    ASSERT_EQ(video.size(), 1);
+    EXPECT_TRUE(isXvid(video.at(0)));
+    EXPECT_EQ(video.at(0).value(u"Width"_s).toString(), u"128"_s);
+    EXPECT_EQ(audioOf(result),
+              (QStringList{u"AAC/6/de/Surround"_s, u"AAC/2/en/Commentary"_s, u"AAC/2/de/Added Stereo Track"_s}));
+    EXPECT_TRUE(mediaTracks(result, u"Text"_s).isEmpty());
+    EXPECT_NEAR(durationSeconds(result), durationSeconds(fullMkv()), 0.5);
+    EXPECT_TRUE(decodesCleanly(result));
+    // The kept intermediates: the stereo copy never shares the original's file.
+    EXPECT_EQ(saved(u"all.mkv.temp.Audio.*.aac"_s),
+              (QStringList{u"all.mkv.temp.Audio.t0.aac"_s, u"all.mkv.temp.Audio.t0.added.aac"_s}));
+    EXPECT_EQ(saved(u"all.mkv.temp.Audio.t1.ac3"_s).size(), 1);
+    EXPECT_EQ(saved(u"all.mkv.temp.Audio.t0.aac.temp.Audio.t0.log"_s).size(), 1);
+}
+
+TEST_F(MkvConversionTest, EncodesTwoPassVideoAndSurroundAc3)
+{
+    drop(u"Subtitle"_s);
+    selection->trackList.removeAll(titled(*selection, u"Commentary"_s));
+    titled(*selection, u"Video Track"_s)->userCodec = u"mpeg4"_s;
+    selection->userPassNumber = u"2"_s;
+    setAudio(u"Surround"_s, u"ac3"_s, u"6"_s, u"384"_s);
+    ASSERT_TRUE(convert()) << job.failureReason().toStdString();
+
+    EXPECT_EQ(audioOf(result), QStringList{u"AC-3/6/de/Surround"_s});
+    EXPECT_TRUE(isXvid(mediaTracks(result, u"Video"_s).value(0)));
+    EXPECT_TRUE(decodesCleanly(result));
+    // The first pass hands over to the second (too quick here to show a percentage).
+    EXPECT_TRUE(sawRow(u"Converting Video=Pass 1 Complete"_s));
+    EXPECT_TRUE(sawRow(u"Muxing Step #"_s));
+    EXPECT_EQ(saved(u"*"_s), QStringList{u"all.mkv.muxed.mkv"_s});
+}
+
+TEST_F(MkvConversionTest, CopiedTracksGoStraightToTheMux)
+{
+    drop(u"Subtitle"_s);
+    ASSERT_TRUE(convert()) << job.failureReason().toStdString();
+    EXPECT_EQ(audioOf(result), (QStringList{u"AC-3/6/de/Surround"_s, u"AAC/2/en/Commentary"_s}));
+    // The first tick already finds nothing to wait for.
+    EXPECT_TRUE(ticks.value(0).isEmpty()) << ticks.value(0).toStdString();
+}
+
+TEST_F(MkvConversionTest, RefusesTracksWithoutAPlaceAndFailsWithTheEncodersWords)
+{
+    titled(*selection, u"French"_s)->userCodec = u"burn"_s;
+    ASSERT_FALSE(convert());
+    EXPECT_TRUE(job.failureReason().contains(u"French"_s)) << job.failureReason().toStdString();
+    EXPECT_TRUE(job.stepPIDList().isEmpty());
+    EXPECT_TRUE(saved(u"*"_s).isEmpty());
+
+    // An audio track the file does not have: the encoder refuses, the job
+    // fails with its words, keeps its log and leaves no result.
+    MCConvertToMkvJob second;
+    titled(*selection, u"French"_s)->userCodec = u"mux"_s;
+    setAudio(u"Commentary"_s, u"aac"_s, u"2"_s, u"128"_s);
+    titled(*selection, u"Commentary"_s)->trackMencoderID = u"7"_s;
+    JobWatch watch(second);
+    ASSERT_TRUE(runJob(second, selection, watch));
+    EXPECT_TRUE(second.failureReason().startsWith(u"Converting Audio: mencoder ended with exit status"_s))
+        << second.failureReason().toStdString();
+    EXPECT_TRUE(saved(u"*.mkv"_s).isEmpty());
+    EXPECT_EQ(saved(u"*"_s), QStringList{QFileInfo(second.failedLogPath()).fileName()});
+}

@@ -1,0 +1,109 @@
+#pragma once
+
+#include "EditingTestSupport.h"
+#include "MCVideoFile.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+// Three seconds of H.264 at 160x120 (a key frame every second) with AC-3 5.1
+// "Surround" (German), stereo AAC "Commentary" (English), an SRT "French"
+// and an ASS "Signs" (English).
+inline QString fullMkv()
+{
+    const QString path = editingMedia(u"all.mkv"_s);
+    if (QFile::exists(path))
+        return path;
+    const QString dir = QFileInfo(path).path();
+    QFile srt(dir + u"/fr.srt"_s);
+    QFile ass(dir + u"/signs.ass"_s);
+    if (!srt.open(QIODevice::WriteOnly) || !ass.open(QIODevice::WriteOnly))
+        return path;
+    srt.write("1\n00:00:00,300 --> 00:00:02,000\nBonjour\n\n");
+    ass.write("[Script Info]\nScriptType: v4.00+\n\n[V4+ Styles]\nFormat: Name, Fontname, Fontsize, PrimaryColour\n"
+              "Style: Default,DejaVu Sans,20,&H00FFFFFF\n\n[Events]\n"
+              "Format: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\n"
+              "Dialogue: 0,0:00:00.50,0:00:02.00,Default,,0,0,0,,Sign\n");
+    srt.close();
+    ass.close();
+    testsupport::ffmpeg(dir, u"all.mkv"_s,
+                        u"-f lavfi -i testsrc2=s=160x120:r=25:d=3 -f lavfi -i sine=f=440:d=3:r=48000 "
+                        "-f lavfi -i sine=f=660:d=3:r=48000 -i '%1' -i '%2' "
+                        "-filter_complex '[1:a]pan=5.1|c0=c0|c1=c0|c2=c0|c3=c0|c4=c0|c5=c0[s];[2:a]pan=stereo|c0=c0|c1=c0[c]' "
+                        "-map 0:v -map '[s]' -map '[c]' -map 3 -map 4 -c:v libx264 -preset ultrafast -g 25 "
+                        "-c:a:0 ac3 -b:a:0 384k -c:a:1 aac -b:a:1 128k -c:s:0 srt -c:s:1 ass "
+                        "-metadata:s:a:0 language=ger -metadata:s:a:0 title=Surround "
+                        "-metadata:s:a:1 language=eng -metadata:s:a:1 title=Commentary "
+                        "-metadata:s:s:0 language=fre -metadata:s:s:0 title=French "
+                        "-metadata:s:s:1 language=eng -metadata:s:s:1 title=Signs"_s
+                            .arg(srt.fileName(), ass.fileName()));
+    return path;
+}
+
+// The file as inspected, every track selected for a job of the given type.
+inline MCSelectionPtr inspectedSelection(const QString &path, const QString &jobType)
+{
+    MCVideoFile file;
+    EXPECT_EQ(file.initializeForURL(QUrl::fromLocalFile(path)), u"OK"_s) << path.toStdString();
+    auto selection = std::make_shared<MCSelection>();
+    selection->initialize();
+    selection->initializeFrom(file);
+    selection->trackList = file.trackList;
+    selection->jobType = jobType;
+    for (const MCVideoTrackPtr &track : selection->trackList)
+        track->trackSelected = true;
+    return selection;
+}
+
+// The first track of the selection with that title.
+inline MCVideoTrackPtr titled(const MCSelection &selection, const QString &title)
+{
+    for (const MCVideoTrackPtr &track : selection.trackList) {
+        if (track->trackTitle == title)
+            return track;
+    }
+    ADD_FAILURE() << "no track " << title.toStdString();
+    return std::make_shared<MCVideoTrack>();
+}
+
+// mediainfo's sections of one kind ("Video", "Audio", "Text"), in file order.
+inline QList<QJsonObject> mediaTracks(const QString &path, const QString &kind)
+{
+    QString json;
+    testsupport::run(u"mediainfo --Output=JSON '%1'"_s.arg(path), &json);
+    QList<QJsonObject> tracks;
+    const QJsonArray all = QJsonDocument::fromJson(json.toUtf8()).object().value(u"media"_s).toObject().value(u"track"_s).toArray();
+    for (const QJsonValue &track : all) {
+        if (track.toObject().value(u"@type"_s).toString() == kind)
+            tracks << track.toObject();
+    }
+    return tracks;
+}
+
+// "Format/Channels/Language/Title" of a mediainfo section, e.g. "AAC/2/de/Surround".
+inline QString describe(const QJsonObject &track)
+{
+    QStringList parts;
+    for (const char *key : {"Format", "Channels", "Language", "Title"})
+        parts << track.value(QLatin1String(key)).toString();
+    return parts.join(QLatin1Char('/'));
+}
+
+// Every video and audio stream decodes from start to end.
+inline bool decodesCleanly(const QString &path)
+{
+    QString errors;
+    return testsupport::run(u"ffmpeg -nostdin -v error -i '%1' -map 0:v? -map 0:a? -f null - 2>&1"_s.arg(path), &errors) == 0
+           && errors.trimmed().isEmpty();
+}
+
+// Runs a job on a deep copy of the selection, as the queue would; true
+// once the job ended (Completed or Failed).
+inline bool runJob(MCJob &job, const MCSelectionPtr &selection, JobWatch &watch)
+{
+    job.jobSelection = selection->copy();
+    job.jobType = selection->jobType;
+    job.startJob();
+    return watch.waitForDone();
+}
