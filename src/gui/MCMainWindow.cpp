@@ -141,7 +141,6 @@ QWidget *MCMainWindow::buildTopBar()
     addButton = new QPushButton(QStringLiteral("Add Tracks..."), bar);
     playButton = new QPushButton(style()->standardIcon(QStyle::SP_MediaPlay), QStringLiteral("Play"), bar);
     watchButton = new QPushButton(QStringLiteral("Watch Folder"), bar);
-    watchButton->setEnabled(false); // watch mode comes later
     queueButton = new QPushButton(QStringLiteral("Queue"), bar);
     queueButton->setCheckable(true);
 

@@ -1,8 +1,6 @@
 #include "GuiTestSupport.h"
 
-#if KESTRANE_HAVE_APP
 #include "MCAppDelegate.h"
-#endif
 
 #include "TestSupport.h"
 
@@ -88,9 +86,7 @@ void WindowTest::restart()
 
 void WindowTest::TearDown()
 {
-#if KESTRANE_HAVE_APP
     app->delegate()->stopAndEmptyQueue();
-#endif
     forgetSavedSettings();
 }
 

@@ -1,7 +1,5 @@
 // The window driven through the application controller: a start queues a
 // job, and quitting while it runs asks first.
-#if KESTRANE_HAVE_APP
-
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
 #include "MCGuiApplication.h"
@@ -193,5 +191,3 @@ TEST_F(WindowBindingTest, ChosenPresetsComeBackAfterARestart)
 }
 
 } // namespace
-
-#endif

@@ -1,7 +1,5 @@
 // The window used as a person uses it: Qt's own file dialog with a typed
 // path, the keyboard, drops anywhere on the window, and Quit.
-#if KESTRANE_HAVE_APP
-
 #include "GuiTestSupport.h"
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
@@ -162,5 +160,3 @@ TEST_F(WindowInputTest, FilesDroppedOutsideTheTablesLoadToo)
 }
 
 } // namespace
-
-#endif
