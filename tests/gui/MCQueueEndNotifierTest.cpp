@@ -1,6 +1,7 @@
 // The desktop is told when the queue runs out of work, with what came of it.
 #include "MCDesktopNotification.h"
 #include "MCJob.h"
+#include "MCJobFactory.h"
 #include "MCJobTypes.h"
 #include "MCQueueController.h"
 #include "MCQueueEndNotifier.h"
@@ -22,16 +23,34 @@ struct Sent
     QString summary, body;
 };
 
+// A job that runs until the test ends it, as the queue sees a job end.
+class EndedByTest : public MCJob
+{
+public:
+    using MCJob::MCJob;
+    void startJob() override {}
+    void end(bool failed)
+    {
+        if (failed)
+            failJob(QStringLiteral("broken"), nullptr);
+        else
+            jobDone();
+    }
+};
+
 class QueueEndNotifierTest : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        MCJobTypes::registerAll();
+        MCJobFactory::instance().registerJobType(QStringLiteral("MCConvertToAviJob"),
+                                                 [](QObject *parent) -> MCJob * { return new EndedByTest(parent); });
         notifier = std::make_unique<MCQueueEndNotifier>(
             &queue, [this](const QString &summary, const QString &body) { sent.append({summary, body}); });
         notifier->setFocusCheck([this] { return focused; });
     }
+
+    void TearDown() override { MCJobTypes::registerAll(); }
 
     // Jobs that wait in the queue; the test decides how each ends.
     QList<MCJob *> queueJobs(int count)
@@ -46,6 +65,14 @@ protected:
         return queue.qJobList().mid(queue.qJobList().size() - count);
     }
 
+    // Ends the job the queue runs now; the next one starts.
+    void end(MCJob *job, bool failed)
+    {
+        ASSERT_TRUE(testsupport::waitUntil([&] { return queue.currentJob() == job; }, 2000));
+        static_cast<EndedByTest *>(job)->end(failed);
+        settle();
+    }
+
     void settle() { testsupport::waitUntil([] { return false; }, 50); }
 
     MCQueueController queue;
@@ -57,19 +84,16 @@ protected:
 TEST_F(QueueEndNotifierTest, TellsOnceTheLastJobEndsWithCompletedAndFailedCounted)
 {
     const QList<MCJob *> jobs = queueJobs(3);
-    jobs.at(0)->setJobStatus(QStringLiteral("Completed"));
-    jobs.at(1)->setJobStatus(QStringLiteral("Failed"));
-    settle();
+    end(jobs.at(0), false);
+    end(jobs.at(1), true);
     EXPECT_TRUE(sent.isEmpty()) << "a job still waits";
-    jobs.at(2)->setJobStatus(QStringLiteral("Completed"));
-    settle();
+    end(jobs.at(2), false);
     ASSERT_EQ(sent.size(), 1);
     EXPECT_EQ(sent.first().summary, MCQueueEndNotifier::summary());
     EXPECT_EQ(sent.first().body, QStringLiteral("2 jobs completed, 1 failed."));
 
     // The next run counts afresh; completed jobs left in the table do not count again.
-    queueJobs(1).first()->setJobStatus(QStringLiteral("Failed"));
-    settle();
+    end(queueJobs(1).first(), true);
     ASSERT_EQ(sent.size(), 2);
     EXPECT_EQ(sent.last().body, QStringLiteral("1 job failed."));
 }
@@ -77,13 +101,11 @@ TEST_F(QueueEndNotifierTest, TellsOnceTheLastJobEndsWithCompletedAndFailedCounte
 TEST_F(QueueEndNotifierTest, SaysNothingWhileKestraneHasTheFocus)
 {
     focused = true;
-    queueJobs(1).first()->setJobStatus(QStringLiteral("Completed"));
-    settle();
+    end(queueJobs(1).first(), false);
     EXPECT_TRUE(sent.isEmpty());
     // What the user saw is not told later.
     focused = false;
-    queueJobs(1).first()->setJobStatus(QStringLiteral("Completed"));
-    settle();
+    end(queueJobs(1).first(), false);
     ASSERT_EQ(sent.size(), 1);
     EXPECT_EQ(sent.first().body, QStringLiteral("1 job completed."));
 }
