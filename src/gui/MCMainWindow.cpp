@@ -1,7 +1,7 @@
 #include "MCMainWindow.h"
 
 #include "MCDropTableView.h"
-#include "MCIntegerField.h"
+#include "MCNumberField.h"
 #include "MCTimeField.h"
 #include "MCPreferences.h"
 #include "MCPreferencesController.h"
@@ -242,9 +242,11 @@ QWidget *MCMainWindow::buildAviTab()
     auto *videoForm = new QFormLayout;
     vidBitRateField = numberField(video);
     resWidthField = numberField(video);
-    new MCIntegerField(resWidthField);
+    new MCNumberField(vidBitRateField, MCNumberField::Kind::Whole);
+    new MCNumberField(resWidthField, MCNumberField::Kind::Whole);
     fpsCombo = new QComboBox(video);
     fpsCombo->setEditable(true);
+    new MCNumberField(fpsCombo->lineEdit(), MCNumberField::Kind::Decimal);
     fpsCombo->setFixedWidth(90);
     devicePopUp = new QComboBox(video);
     videoForm->addRow(QStringLiteral("Bit rate:"), withUnit(video, vidBitRateField, QStringLiteral("kb/s")));
@@ -311,8 +313,8 @@ QWidget *MCMainWindow::buildEditFilesTab()
     splitEndTime = timeField(split, QStringLiteral("endTimeTextField"));
     splitSize = numberField(split, 60);
     splitNumber = numberField(split, 60);
-    new MCIntegerField(splitSize);
-    new MCIntegerField(splitNumber);
+    new MCNumberField(splitSize, MCNumberField::Kind::Whole);
+    new MCNumberField(splitNumber, MCNumberField::Kind::Whole);
     splitLayout->addWidget(new QLabel(QStringLiteral("Start:"), split), 1, 0, Qt::AlignRight);
     splitLayout->addWidget(splitStartTime, 1, 1);
     splitLayout->addWidget(new QLabel(QStringLiteral("End:"), split), 2, 0, Qt::AlignRight);
@@ -330,8 +332,8 @@ QWidget *MCMainWindow::buildEditFilesTab()
     auto *otherLayout = new QFormLayout(other);
     parWidth = numberField(other, 50);
     parHeight = numberField(other, 50);
-    new MCIntegerField(parWidth);
-    new MCIntegerField(parHeight);
+    new MCNumberField(parWidth, MCNumberField::Kind::Whole);
+    new MCNumberField(parHeight, MCNumberField::Kind::Whole);
     auto *par = new QWidget(other);
     auto *parLayout = new QHBoxLayout(par);
     parLayout->setContentsMargins(0, 0, 0, 0);
