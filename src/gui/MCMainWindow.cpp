@@ -411,6 +411,10 @@ void MCMainWindow::buildMenus()
     titleToolTips();
     connect(m_preferences, &MCPreferences::toolTipsChanged, this, titleToolTips);
     connect(queuePanel, &QDockWidget::visibilityChanged, queueButton, &QPushButton::setChecked);
+    connect(queuePanel, &QDockWidget::visibilityChanged, this, [this](bool visible) {
+        if (visible)
+            widenQueuePanel();
+    });
     connect(queueButton, &QPushButton::clicked, queuePanel, &QWidget::setVisible);
 }
 
@@ -519,6 +523,22 @@ void MCMainWindow::fitOnScreen()
     const int y = qBound(available.top(), frameGeometry().top(), qMax(available.top(), available.bottom() + 1 - frame.height()));
     if (QPoint(x, y) != frameGeometry().topLeft())
         move(x, y);
+}
+
+void MCMainWindow::widenQueuePanel()
+{
+    // Room for a file name and a result name beside the type and status.
+    const int wanted = queuePanel->fontMetrics().averageCharWidth() * 64;
+    const int missing = wanted - queuePanel->width();
+    if (queuePanel->isFloating() || missing <= 0)
+        return;
+    // Taken from the screen first, so that the tabs keep their width.
+    if (const QScreen *screen = this->screen()) {
+        const int free = screen->availableGeometry().right() + 1 - frameGeometry().right() - 1;
+        if (free > 0 && !isMaximized() && !isFullScreen())
+            resize(width() + qMin(free, missing), height());
+    }
+    resizeDocks({queuePanel}, {wanted}, Qt::Horizontal);
 }
 
 void MCMainWindow::closeEvent(QCloseEvent *event)
