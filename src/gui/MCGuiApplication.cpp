@@ -23,6 +23,7 @@
 #include "MCWindowBinding.h"
 
 #include <QAction>
+#include <QDir>
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -35,6 +36,7 @@ const QString kGeometry = QStringLiteral("windowGeometry");
 const QString kTab = QStringLiteral("currentTab");
 const QString kQueueVisible = QStringLiteral("queuePanelVisible");
 const QString kWindowState = QStringLiteral("windowState");
+const QString kOpenFolder = QStringLiteral("openFolder");
 } // namespace
 
 MCGuiApplication::MCGuiApplication(QObject *parent)
@@ -84,6 +86,7 @@ void MCGuiApplication::createGuiSettingsDictionary()
     settings.insert(kWindowState, m_window->saveState());
     settings.insert(kTab, MCMainWindow::tabNames().value(m_window->tabs->currentIndex()));
     settings.insert(kQueueVisible, m_window->queuePanel->isVisible());
+    settings.insert(kOpenFolder, m_openFolder);
     m_preferences->guiSettingsDictionary = settings;
 }
 
@@ -103,6 +106,7 @@ void MCGuiApplication::restoreGuiSettings()
         m_window->tabs->setCurrentIndex(tab);
     m_delegate->presetsController->restoreMethodIndexes(selectionIndex, settingIndex);
     m_window->queuePanel->setVisible(settings.value(kQueueVisible, false).toBool());
+    m_openFolder = settings.value(kOpenFolder).toString();
 }
 
 void MCGuiApplication::wireWindow()
@@ -128,6 +132,11 @@ void MCGuiApplication::wireWindow()
         MCDesktopNotification::send(summary, body);
     }, this);
     w->askToClose = [this](std::function<void(bool)> reply) { applicationShouldTerminate(reply); };
+    connect(m_delegate, &MCAppDelegate::openedURLsArrayChanged, this, [this] {
+        const QList<QUrl> urls = m_delegate->openedURLsArray();
+        if (!urls.isEmpty() && urls.first().isLocalFile())
+            m_openFolder = QFileInfo(urls.first().toLocalFile()).absolutePath();
+    });
     wireMenus();
 }
 
@@ -154,7 +163,10 @@ void MCGuiApplication::wireMenus()
 void MCGuiApplication::openFilePanel(const QString &mode)
 {
     const auto fileMode = mode == QLatin1String("open") ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile;
-    MCFileChooser::open(m_window.get(), QStringLiteral("Select video file to open:"), fileMode, QString(),
+    // Where the last file came from, else the home folder, never the
+    // folder the program happened to be started in.
+    const QString folder = QFileInfo(m_openFolder).isDir() ? m_openFolder : QDir::homePath();
+    MCFileChooser::open(m_window.get(), QStringLiteral("Select video file to open:"), fileMode, folder,
                         [this, mode](const QList<QUrl> &urls) {
                             QTimer::singleShot(100, this, [this, urls, mode] { openFiles(urls, mode); });
                         });

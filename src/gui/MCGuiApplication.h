@@ -41,7 +41,8 @@ public:
     void playMovie();
     void showAboutBox();
 
-    // Window geometry, tab and queue panel into the preferences' dictionary.
+    // Window geometry, tab, queue panel and the last folder opened into the
+    // preferences' dictionary.
     void createGuiSettingsDictionary();
     void restoreGuiSettings();
 
@@ -59,4 +60,7 @@ private:
     // Before the window in teardown: it switches to and from that window.
     std::unique_ptr<MCWatchWindow> m_watchWindow;
     std::shared_ptr<MCGuiAlertPresenter> m_presenter;
+    // The folder of the files taken in last (opened, dropped); the Open
+    // dialog starts there.
+    QString m_openFolder;
 };
