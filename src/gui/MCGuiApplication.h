@@ -5,7 +5,6 @@
 #include <QUrl>
 
 #include <functional>
-
 #include <memory>
 
 class MCAppDelegate;
@@ -16,8 +15,9 @@ class MCQueueController;
 class MCWatchWindow;
 class MCWindowBinding;
 
-// Builds the window over the application's controllers, installs the
-// window's alerts and keeps the window state in the preferences.
+// The desktop front end over the application controller: builds the window
+// and the watch window, ties them to the controller, shows its alerts as
+// the window's sheets and keeps the window state in the preferences.
 class MCGuiApplication : public QObject
 {
     Q_OBJECT
@@ -30,39 +30,37 @@ public:
 
     MCMainWindow *window() const { return m_window.get(); }
     MCWatchWindow *watchWindow() const { return m_watchWindow.get(); }
-    MCQueueController *queue() const { return m_queue; }
-    // The application controller behind the window (null in a build
-    // without it, where the window keeps its own simple intake).
+    MCQueueController *queue() const;
     MCAppDelegate *delegate() const { return m_delegate; }
+    MCWindowBinding *binding() const { return m_binding; }
 
     // Files arriving by the open panel ("open", "add") or a drop ("drag").
     void openFiles(const QList<QUrl> &urls, const QString &mode);
     void openFilePanel(const QString &mode);
-    // Quit: a running job is paused and the user asked.
-    void applicationShouldTerminate(const std::function<void(bool)> &reply);
-    void startScreenshotTour();
     // Plays the ticked tracks of the loaded file in mplayer.
     void playMovie();
     void showAboutBox();
 
-    // Window geometry, tab and queue panel into the preferences' dictionary.
+    // Window geometry, tab, queue panel and the last folder opened into the
+    // preferences' dictionary.
     void createGuiSettingsDictionary();
     void restoreGuiSettings();
 
 private:
     void wireWindow();
-    void loadFile(const QUrl &url);
-    void listEditFiles(const QList<QUrl> &urls, bool append);
+    void wireMenus();
+    // Quit: the delegate asks about a running job; the window's state is
+    // saved whenever the quit goes ahead.
+    void applicationShouldTerminate(const std::function<void(bool)> &reply);
 
-    std::shared_ptr<class MCVideoFile> m_videoFile;
-    QList<QUrl> m_editFiles;
-    QList<QUrl> m_tourFiles;
-    MCAppDelegate *m_delegate = nullptr;
+    MCAppDelegate *m_delegate;
+    MCPreferences *m_preferences;
     MCWindowBinding *m_binding = nullptr;
-    MCPreferences *m_preferences = nullptr;
-    MCQueueController *m_queue = nullptr;
     std::unique_ptr<MCMainWindow> m_window;
     // Before the window in teardown: it switches to and from that window.
     std::unique_ptr<MCWatchWindow> m_watchWindow;
     std::shared_ptr<MCGuiAlertPresenter> m_presenter;
+    // The folder of the files taken in last (opened, dropped); the Open
+    // dialog starts there.
+    QString m_openFolder;
 };

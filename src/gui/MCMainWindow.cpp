@@ -1,7 +1,7 @@
 #include "MCMainWindow.h"
 
 #include "MCDropTableView.h"
-#include "MCIntegerField.h"
+#include "MCNumberField.h"
 #include "MCTimeField.h"
 #include "MCPreferences.h"
 #include "MCPreferencesController.h"
@@ -141,7 +141,6 @@ QWidget *MCMainWindow::buildTopBar()
     addButton = new QPushButton(QStringLiteral("Add Tracks..."), bar);
     playButton = new QPushButton(style()->standardIcon(QStyle::SP_MediaPlay), QStringLiteral("Play"), bar);
     watchButton = new QPushButton(QStringLiteral("Watch Folder"), bar);
-    watchButton->setEnabled(false); // watch mode comes later
     queueButton = new QPushButton(QStringLiteral("Queue"), bar);
     queueButton->setCheckable(true);
 
@@ -243,9 +242,11 @@ QWidget *MCMainWindow::buildAviTab()
     auto *videoForm = new QFormLayout;
     vidBitRateField = numberField(video);
     resWidthField = numberField(video);
-    new MCIntegerField(resWidthField);
+    new MCNumberField(vidBitRateField, MCNumberField::Kind::Whole);
+    new MCNumberField(resWidthField, MCNumberField::Kind::Whole);
     fpsCombo = new QComboBox(video);
     fpsCombo->setEditable(true);
+    new MCNumberField(fpsCombo->lineEdit(), MCNumberField::Kind::Decimal);
     fpsCombo->setFixedWidth(90);
     devicePopUp = new QComboBox(video);
     videoForm->addRow(QStringLiteral("Bit rate:"), withUnit(video, vidBitRateField, QStringLiteral("kb/s")));
@@ -312,8 +313,8 @@ QWidget *MCMainWindow::buildEditFilesTab()
     splitEndTime = timeField(split, QStringLiteral("endTimeTextField"));
     splitSize = numberField(split, 60);
     splitNumber = numberField(split, 60);
-    new MCIntegerField(splitSize);
-    new MCIntegerField(splitNumber);
+    new MCNumberField(splitSize, MCNumberField::Kind::Whole);
+    new MCNumberField(splitNumber, MCNumberField::Kind::Whole);
     splitLayout->addWidget(new QLabel(QStringLiteral("Start:"), split), 1, 0, Qt::AlignRight);
     splitLayout->addWidget(splitStartTime, 1, 1);
     splitLayout->addWidget(new QLabel(QStringLiteral("End:"), split), 2, 0, Qt::AlignRight);
@@ -331,8 +332,8 @@ QWidget *MCMainWindow::buildEditFilesTab()
     auto *otherLayout = new QFormLayout(other);
     parWidth = numberField(other, 50);
     parHeight = numberField(other, 50);
-    new MCIntegerField(parWidth);
-    new MCIntegerField(parHeight);
+    new MCNumberField(parWidth, MCNumberField::Kind::Whole);
+    new MCNumberField(parHeight, MCNumberField::Kind::Whole);
     auto *par = new QWidget(other);
     auto *parLayout = new QHBoxLayout(par);
     parLayout->setContentsMargins(0, 0, 0, 0);
@@ -410,6 +411,10 @@ void MCMainWindow::buildMenus()
     titleToolTips();
     connect(m_preferences, &MCPreferences::toolTipsChanged, this, titleToolTips);
     connect(queuePanel, &QDockWidget::visibilityChanged, queueButton, &QPushButton::setChecked);
+    connect(queuePanel, &QDockWidget::visibilityChanged, this, [this](bool visible) {
+        if (visible)
+            widenQueuePanel();
+    });
     connect(queueButton, &QPushButton::clicked, queuePanel, &QWidget::setVisible);
 }
 
@@ -518,6 +523,22 @@ void MCMainWindow::fitOnScreen()
     const int y = qBound(available.top(), frameGeometry().top(), qMax(available.top(), available.bottom() + 1 - frame.height()));
     if (QPoint(x, y) != frameGeometry().topLeft())
         move(x, y);
+}
+
+void MCMainWindow::widenQueuePanel()
+{
+    // Room for a file name and a result name beside the type and status.
+    const int wanted = queuePanel->fontMetrics().averageCharWidth() * 64;
+    const int missing = wanted - queuePanel->width();
+    if (queuePanel->isFloating() || missing <= 0)
+        return;
+    // Taken from the screen first, so that the tabs keep their width.
+    if (const QScreen *screen = this->screen()) {
+        const int free = screen->availableGeometry().right() + 1 - frameGeometry().right() - 1;
+        if (free > 0 && !isMaximized() && !isFullScreen())
+            resize(width() + qMin(free, missing), height());
+    }
+    resizeDocks({queuePanel}, {wanted}, Qt::Horizontal);
 }
 
 void MCMainWindow::closeEvent(QCloseEvent *event)

@@ -82,6 +82,8 @@ public:
     static QColor colorFor(const QString &name, const QPalette &palette);
     // Shrinks and moves the window into the screen's free area.
     void fitOnScreen();
+    // Gives the queue panel room for its names when it opens narrow.
+    void widenQueuePanel();
 
     // The current tab's start button: Convert, Start, or on Edit Files Join
     // when the files can be joined and Split otherwise. Disabled: nothing.

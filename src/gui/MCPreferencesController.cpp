@@ -1,7 +1,7 @@
 #include "MCPreferencesController.h"
 
 #include "MCFileChooser.h"
-#include "MCIntegerField.h"
+#include "MCNumberField.h"
 #include "MCPreferences.h"
 #include "MCToolTipBinder.h"
 
@@ -22,7 +22,7 @@ QLineEdit *numberField(QWidget *parent)
 {
     auto *field = new QLineEdit(parent);
     field->setMaximumWidth(60);
-    new MCIntegerField(field);
+    new MCNumberField(field, MCNumberField::Kind::Whole);
     return field;
 }
 

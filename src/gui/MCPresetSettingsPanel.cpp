@@ -1,13 +1,12 @@
 #include "MCPresetSettingsPanel.h"
 
-#include "MCIntegerField.h"
+#include "MCNumberField.h"
 #include "MCPresetListColumn.h"
 #include "MCPresetsController.h"
 #include "MCSelectionController.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDoubleValidator>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -132,12 +131,9 @@ QWidget *MCPresetSettingsPanel::buildDetails()
     videoBitRateField = numberField(m_details);
     widthField = numberField(m_details);
     fpsField = numberField(m_details);
-    new MCIntegerField(videoBitRateField);
-    new MCIntegerField(widthField);
-    auto *fpsValidator = new QDoubleValidator(0.0, 1000.0, 3, fpsField);
-    fpsValidator->setNotation(QDoubleValidator::StandardNotation);
-    fpsValidator->setLocale(QLocale::c());
-    fpsField->setValidator(fpsValidator);
+    new MCNumberField(videoBitRateField, MCNumberField::Kind::Whole);
+    new MCNumberField(widthField, MCNumberField::Kind::Whole);
+    new MCNumberField(fpsField, MCNumberField::Kind::Decimal);
     stereoActionPopUp = popUp();
     stereoBitRatePopUp = popUp();
     surroundActionPopUp = popUp();

@@ -60,6 +60,18 @@ void showText(QLineEdit *field, const QString &text)
         field->setText(text);
 }
 
+// MPEG-4 needs a bit rate: the encoder refuses 0, and an empty or invalid
+// entry reads as 0. Passing the video through needs none.
+bool videoBitRateMissing(const MCSelectionController &rules)
+{
+    return rules.mustConvertVideoTrack && (!rules.userBitRateOK || rules.enteredUserVideoBitRate().toLongLong() <= 0);
+}
+
+QString okColor(bool ok)
+{
+    return ok ? MCSelectionController::colorBlack : MCSelectionController::colorRed;
+}
+
 } // namespace
 
 MCWindowBinding::MCWindowBinding(MCMainWindow *window, MCAppDelegate *delegate, QObject *parent)
@@ -315,9 +327,9 @@ void MCWindowBinding::refreshAviTab()
     for (QWidget *field : {static_cast<QWidget *>(w->vidBitRateField), static_cast<QWidget *>(w->resWidthField),
                            static_cast<QWidget *>(w->fpsCombo), static_cast<QWidget *>(w->devicePopUp)})
         field->setEnabled(r.mustConvertVideoTrack);
-    MCMainWindow::setColorName(w->vidBitRateField, r.userBitRateOK ? QStringLiteral("black") : QStringLiteral("red"));
-    MCMainWindow::setColorName(w->resWidthField, r.userWidthOK ? QStringLiteral("black") : QStringLiteral("red"));
-    MCMainWindow::setColorName(w->fpsCombo, r.userFPSOK ? QStringLiteral("black") : QStringLiteral("red"));
+    MCMainWindow::setColorName(w->vidBitRateField, okColor(r.userBitRateOK && !videoBitRateMissing(r)));
+    MCMainWindow::setColorName(w->resWidthField, okColor(r.userWidthOK));
+    MCMainWindow::setColorName(w->fpsCombo, okColor(r.userFPSOK));
     if (!w->fpsCombo->hasFocus())
         fillCombo(w->fpsCombo, r.fpsList, r.enteredUserFPS());
     fillCombo(w->devicePopUp, r.deviceList, r.mp4Device());
@@ -333,7 +345,7 @@ void MCWindowBinding::refreshAviTab()
 
     w->subtitleMatrix->button(0)->setEnabled(r.subtitleSelected && r.canBurnSubtitles);
     w->subtitleMatrix->button(1)->setEnabled(r.subtitleSelected && r.canMuxSubtitles);
-    w->convertButton->setEnabled(r.canConvert);
+    w->convertButton->setEnabled(r.canConvert && !videoBitRateMissing(r));
 }
 
 void MCWindowBinding::refreshEditTabs()

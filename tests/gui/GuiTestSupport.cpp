@@ -1,8 +1,11 @@
 #include "GuiTestSupport.h"
 
-#if KESTRANE_HAVE_APP
 #include "MCAppDelegate.h"
-#endif
+#include "MCDropTableView.h"
+#include "MCJob.h"
+#include "MCMainWindow.h"
+#include "MCQueueController.h"
+#include "MCTrackTableModel.h"
 
 #include "TestSupport.h"
 
@@ -11,6 +14,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSettings>
 #include <QTest>
 
@@ -86,11 +90,26 @@ void WindowTest::restart()
     w = app->window();
 }
 
+QString WindowTest::loadAndTick(const QString &name, int seconds, const QString &size)
+{
+    const QString path = makeAvi(dir.path(), name, seconds, size);
+    dropOn(w->trackTable->viewport(), {QUrl::fromLocalFile(path)});
+    if (!testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000))
+        return {};
+    w->toggleVideoButton->click();
+    w->toggleAudioButton->click();
+    return path;
+}
+
+MCJob *WindowTest::runningJob() const
+{
+    MCJob *job = app->queue()->currentJob();
+    return job && !job->stepPIDList().isEmpty() ? job : nullptr;
+}
+
 void WindowTest::TearDown()
 {
-#if KESTRANE_HAVE_APP
     app->delegate()->stopAndEmptyQueue();
-#endif
     forgetSavedSettings();
 }
 

@@ -12,6 +12,7 @@
 
 #include <memory>
 
+class MCJob;
 class MCMainWindow;
 class QFileDialog;
 class QWidget;
@@ -45,6 +46,11 @@ protected:
     void TearDown() override;
     // A new start of the program on the settings saved so far.
     void restart();
+    // Drops a generated AVI on the track table and ticks both its tracks;
+    // answers its path (empty when it did not load).
+    QString loadAndTick(const QString &name, int seconds = 2, const QString &size = QStringLiteral("160x120"));
+    // The running job once its first tool has started, else null.
+    MCJob *runningJob() const;
 
     QTemporaryDir dir;
     std::unique_ptr<MCGuiApplication> app;

@@ -1,7 +1,5 @@
 // The two preset editors: presets added, renamed, changed and removed in
 // the sheets reach the preferences' store when the sheet is closed.
-#if KESTRANE_HAVE_APP
-
 #include "MCFilterButton.h"
 #include "MCGuiApplication.h"
 #include "MCMainWindow.h"
@@ -155,5 +153,3 @@ TEST(PresetEditorButtons, OpenTheEditorsAsSheetsOverTheWindow)
 }
 
 } // namespace
-
-#endif

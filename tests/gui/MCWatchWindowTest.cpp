@@ -1,7 +1,5 @@
 // Watch mode on screen: the main window gives way to the watch window and
 // comes back when watching ends; the window says what it is doing.
-#if KESTRANE_HAVE_APP
-
 #include "GuiTestSupport.h"
 #include "MCAppDelegate.h"
 #include "MCGuiApplication.h"
@@ -131,5 +129,3 @@ TEST_F(WatchWindowTest, AFolderDroppedOnTheWatchWindowIsWatched)
 }
 
 } // namespace
-
-#endif

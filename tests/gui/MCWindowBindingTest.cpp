@@ -1,13 +1,12 @@
 // The window driven through the application controller: a start queues a
 // job, and quitting while it runs asks first.
-#if KESTRANE_HAVE_APP
-
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
 #include "MCGuiApplication.h"
 #include "MCJob.h"
 #include "MCMainWindow.h"
 #include "MCQueueController.h"
+#include "MCQueueJobModel.h"
 #include "MCQueuePanel.h"
 #include "MCSelectionController.h"
 #include "MCVideoFile.h"
@@ -55,25 +54,15 @@ QString processState(const QString &pid)
 class WindowBindingTest : public guitest::WindowTest
 {
 protected:
-    // Loads a generated AVI (MPEG-4 video, MP3 audio) into the track table.
+    // Loads a generated AVI (MPEG-4 video, MP3 audio) with both tracks ticked.
     void load(const QString &name, int seconds, const QString &size)
     {
-        const QString path = guitest::makeAvi(dir.path(), name, seconds, size);
-        drop(w->trackTable, path);
-        ASSERT_TRUE(testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000));
-        EXPECT_EQ(w->fileTextField->text(), path);
-        // Without a selection preset the user ticks the tracks.
+        // Without a selection preset nothing is ticked and nothing converts.
         EXPECT_FALSE(w->convertButton->isEnabled());
-        w->toggleVideoButton->click();
-        w->toggleAudioButton->click();
+        const QString path = loadAndTick(name, seconds, size);
+        ASSERT_FALSE(path.isEmpty());
+        EXPECT_EQ(w->fileTextField->text(), path);
     }
-
-    MCJob *runningJob() const
-    {
-        MCJob *job = app->queue()->currentJob();
-        return job && !job->stepPIDList().isEmpty() ? job : nullptr;
-    }
-
 };
 
 TEST_F(WindowBindingTest, ConvertQueuesAPassThroughJobAndShowsItsProgress)
@@ -139,6 +128,10 @@ TEST_F(WindowBindingTest, QuitWithARunningJobAndCancelLeavesItPaused)
         << processState(pid).toStdString();
     EXPECT_TRUE(app->queue()->qJobIsRunning());
     EXPECT_EQ(app->queue()->qJobList().size(), 1);
+    // The panel says so, and the button offers the way on.
+    const QModelIndex status = w->queuePanel->jobTable()->model()->index(0, MCQueueJobModel::StatusColumn);
+    EXPECT_EQ(status.data().toString(), QStringLiteral("Paused"));
+    EXPECT_EQ(w->queuePanel->pauseButton()->text(), QStringLiteral("Resume"));
 }
 
 TEST_F(WindowBindingTest, SplitByTimeTakesTypedTimesOnceAFileIsListed)
@@ -192,6 +185,44 @@ TEST_F(WindowBindingTest, ChosenPresetsComeBackAfterARestart)
     EXPECT_EQ(w->trackModel->index(0, MCTrackTableModel::SelectedColumn).data(Qt::CheckStateRole).toInt(), Qt::Checked);
 }
 
-} // namespace
+TEST_F(WindowBindingTest, NumberFieldsRefuseWhatIsNoNumberAndConvertWaitsForABitRate)
+{
+    load(QStringLiteral("clip.avi"), 2, QStringLiteral("160x120"));
+    w->videoMatrix->button(1)->click();
+    QLineEdit *bitRate = w->vidBitRateField;
+    ASSERT_TRUE(bitRate->isEnabled());
 
-#endif
+    // Typed as a person types: a letter is refused on the spot.
+    bitRate->setFocus();
+    bitRate->selectAll();
+    QTest::keyClicks(bitRate, QStringLiteral("12a"));
+    EXPECT_EQ(bitRate->text(), QStringLiteral("12"));
+    QTest::keyClicks(w->resWidthField, QStringLiteral("x"));
+    EXPECT_FALSE(w->resWidthField->text().contains(QLatin1Char('x')));
+    QLineEdit *fps = w->fpsCombo->lineEdit();
+    fps->selectAll();
+    QTest::keyClicks(fps, QStringLiteral("25.5.1b"));
+    EXPECT_EQ(fps->text(), QStringLiteral("25.51"));
+
+    // A bit rate of 0 (or none at all) cannot make MPEG-4.
+    bitRate->selectAll();
+    QTest::keyClicks(bitRate, QStringLiteral("0"));
+    QTest::keyClick(bitRate, Qt::Key_Return);
+    EXPECT_FALSE(w->convertButton->isEnabled());
+    const QColor red = MCMainWindow::colorFor(QStringLiteral("red"), QApplication::palette());
+    EXPECT_EQ(bitRate->palette().color(QPalette::Text), red);
+    bitRate->clear();
+    QTest::keyClick(bitRate, Qt::Key_Return);
+    EXPECT_FALSE(w->convertButton->isEnabled());
+    QTest::keyClicks(bitRate, QStringLiteral("900"));
+    QTest::keyClick(bitRate, Qt::Key_Return);
+    EXPECT_TRUE(w->convertButton->isEnabled());
+    EXPECT_NE(bitRate->palette().color(QPalette::Text), red);
+    // Passed through, the video needs no bit rate.
+    bitRate->clear();
+    QTest::keyClick(bitRate, Qt::Key_Return);
+    w->videoMatrix->button(0)->click();
+    EXPECT_TRUE(w->convertButton->isEnabled());
+}
+
+} // namespace

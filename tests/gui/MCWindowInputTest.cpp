@@ -1,7 +1,5 @@
 // The window used as a person uses it: Qt's own file dialog with a typed
 // path, the keyboard, drops anywhere on the window, and Quit.
-#if KESTRANE_HAVE_APP
-
 #include "GuiTestSupport.h"
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
@@ -17,8 +15,10 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
 #include <QSet>
@@ -75,6 +75,8 @@ TEST_F(WindowInputTest, OpenAndAddTracksLoadWhatIsTypedIntoQtsOwnFileDialog)
     QFileDialog *dialog = guitest::shownFileDialog();
     ASSERT_TRUE(dialog);
     EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Select video file to open:"));
+    // At first in the home folder, not wherever the program was started.
+    EXPECT_EQ(dialog->directory().absolutePath(), QDir::homePath());
     dialog->reject();
     QTest::qWait(200);
     EXPECT_EQ(w->trackModel->rowCount(), 0);
@@ -83,6 +85,13 @@ TEST_F(WindowInputTest, OpenAndAddTracksLoadWhatIsTypedIntoQtsOwnFileDialog)
     ASSERT_TRUE(guitest::typeIntoFileDialog(clip));
     ASSERT_TRUE(testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000));
     EXPECT_EQ(w->fileTextField->text(), clip);
+    // The next dialog starts where that file came from.
+    w->openAction->trigger();
+    dialog = guitest::shownFileDialog();
+    ASSERT_TRUE(dialog);
+    EXPECT_EQ(dialog->directory().absolutePath(), QFileInfo(clip).absolutePath());
+    dialog->reject();
+    QTest::qWait(200);
 
     ASSERT_TRUE(w->addButton->isEnabled());
     w->addButton->click();
@@ -162,5 +171,3 @@ TEST_F(WindowInputTest, FilesDroppedOutsideTheTablesLoadToo)
 }
 
 } // namespace
-
-#endif

@@ -7,20 +7,8 @@
 #include <QFile>
 #include <QPoint>
 #include <QStandardPaths>
-#include <QThread>
 
 namespace {
-
-bool waitFor(const std::function<bool()> &done, int timeoutMs)
-{
-    QDeadlineTimer deadline(timeoutMs);
-    while (!done()) {
-        if (deadline.hasExpired())
-            return done();
-        QThread::msleep(50);
-    }
-    return true;
-}
 
 void stop(QProcess *process)
 {
@@ -76,33 +64,29 @@ bool DesktopSession::startXvfb()
         m_failure = QStringLiteral("Xvfb is not installed");
         return false;
     }
-    // A display number nobody uses: no lock file, no socket. A start that
-    // fails may have lost a race for the number; after three, Xvfb cannot run here.
-    int attempts = 0;
-    for (int number = 140; number < 240 && attempts < 3; ++number) {
-        if (QFile::exists(QStringLiteral("/tmp/.X%1-lock").arg(number))
-            || QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(number)))
-            continue;
-        ++attempts;
-        m_display = QStringLiteral(":%1").arg(number);
-        m_xvfb = std::make_unique<QProcess>();
-        m_xvfb->setStandardOutputFile(m_home.filePath(QStringLiteral("xvfb.log")));
-        m_xvfb->setStandardErrorFile(m_home.filePath(QStringLiteral("xvfb.log")));
-        m_xvfb->start(xvfb, {m_display, QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1280x800x24"),
-                             QStringLiteral("-nolisten"), QStringLiteral("tcp")});
-        const QString socket = QStringLiteral("/tmp/.X11-unix/X%1").arg(number);
-        // waitForFinished keeps the process's state current while waiting.
-        if (m_xvfb->waitForStarted(5000)
-            && waitFor([&] { return QFile::exists(socket) || m_xvfb->waitForFinished(50); }, 10000)
-            && m_xvfb->state() == QProcess::Running) {
-            m_environment.insert(QStringLiteral("DISPLAY"), m_display);
-            return true;
+    // Xvfb picks a free display number itself and names it once the screen
+    // is ready, so two sessions started at once cannot take the same one.
+    m_xvfb = std::make_unique<QProcess>();
+    m_xvfb->setStandardErrorFile(m_home.filePath(QStringLiteral("xvfb.log")));
+    m_xvfb->start(xvfb, {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
+                         QStringLiteral("1280x800x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    QByteArray number;
+    if (m_xvfb->waitForStarted(5000)) {
+        QDeadlineTimer deadline(15000);
+        while (!number.endsWith('\n') && m_xvfb->state() == QProcess::Running && !deadline.hasExpired()) {
+            m_xvfb->waitForReadyRead(200);
+            number += m_xvfb->readAllStandardOutput();
         }
-        stop(m_xvfb.get());
     }
-    m_xvfbMissing = true;
-    m_failure = QStringLiteral("Xvfb could not start a screen here");
-    return false;
+    if (!number.endsWith('\n') || m_xvfb->state() != QProcess::Running) {
+        stop(m_xvfb.get());
+        m_xvfbMissing = true;
+        m_failure = QStringLiteral("Xvfb could not start a screen here");
+        return false;
+    }
+    m_display = QLatin1Char(':') + QString::fromLatin1(number.trimmed());
+    m_environment.insert(QStringLiteral("DISPLAY"), m_display);
+    return true;
 }
 
 bool DesktopSession::startSessionBus()
@@ -156,7 +140,8 @@ void DesktopSession::click(const QPoint &screenPoint) const
 
 void DesktopSession::key(const QString &keys) const
 {
-    xdotool({QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("60"), keys});
+    xdotool(QStringList{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("60")}
+            + keys.split(QLatin1Char(' '), Qt::SkipEmptyParts));
 }
 
 void DesktopSession::type(const QString &text) const

@@ -31,6 +31,7 @@ public:
     // xdotool with these arguments; answers its output, empty on failure.
     QString xdotool(const QStringList &arguments) const;
     void click(const QPoint &screenPoint) const;
+    // Keys as xdotool names them, several separated by blanks ("Down Return").
     void key(const QString &keys) const;
     void type(const QString &text) const;
     // The whole screen as a PNG (ImageMagick's import).

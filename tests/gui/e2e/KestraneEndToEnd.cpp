@@ -4,6 +4,7 @@
 // the test's output folder when it fails.
 #include "AccessibleTree.h"
 #include "DesktopSession.h"
+#include "KestraneDriver.h"
 
 #include <gtest/gtest.h>
 
@@ -15,6 +16,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QUrl>
 
 #include <iostream>
 
@@ -84,48 +86,30 @@ protected:
             GTEST_SKIP() << "SKIPPED, the window is not driven here: " << session->failure().toStdString();
         ASSERT_TRUE(session->failure().isEmpty()) << session->failure().toStdString();
         ASSERT_TRUE(work.isValid());
-        tree = std::make_unique<AccessibleTree>(session->accessibilityBus());
-        ASSERT_TRUE(tree->isConnected());
+        kestrane = std::make_unique<KestraneDriver>(*session, work.path());
     }
 
     void TearDown() override
     {
         const QString name = QString::fromLatin1(::testing::UnitTest::GetInstance()->current_test_info()->name());
-        if (HasFailure() && session && session->failure().isEmpty()) {
+        if (HasFailure() && kestrane) {
             const QString base = outputFolder() + QLatin1Char('/') + name;
             session->screenshot(base + QStringLiteral(".png"));
             QFile dump(base + QStringLiteral(".txt"));
             if (dump.open(QIODevice::WriteOnly))
-                dump.write(AccessibleTree::dump(window()).toUtf8());
+                dump.write(AccessibleTree::dump(kestrane->window()).toUtf8());
             QFile::remove(base + QStringLiteral(".log"));
-            QFile::copy(work.filePath(QStringLiteral("kestrane.log")), base + QStringLiteral(".log"));
+            QFile::copy(kestrane->logPath(), base + QStringLiteral(".log"));
             std::cerr << "Screenshot, accessible tree and log: " << base.toStdString() << ".{png,txt,log}\n";
         }
-        if (kestrane.state() != QProcess::NotRunning) {
-            kestrane.kill();
-            kestrane.waitForFinished(5000);
-        }
+        kestrane.reset();
     }
 
-    // Starts the real program, as its desktop entry does, and waits for its window.
     void startKestrane()
     {
-        QProcessEnvironment environment = session->environment();
-        environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
-        environment.insert(QStringLiteral("KESTRANE_RESOURCES"), QString::fromLatin1(KESTRANE_E2E_RESOURCES));
-        kestrane.setProcessEnvironment(environment);
-        kestrane.setStandardOutputFile(work.filePath(QStringLiteral("kestrane.log")));
-        kestrane.setStandardErrorFile(work.filePath(QStringLiteral("kestrane.log")));
-        kestrane.start(QString::fromLatin1(KESTRANE_E2E_PROGRAM), {});
-        ASSERT_TRUE(kestrane.waitForStarted(10000));
-        ASSERT_TRUE(waitFor(QStringLiteral("push button"), QStringLiteral("Open..."), 20000)) << "no window";
-        // No window manager: the first click gives the window the focus.
-        const Node *status = find(QStringLiteral("label"), QStringLiteral("Drop Video File(s) in the Table Below"));
-        ASSERT_TRUE(status);
-        session->click(status->centre());
+        const QString failure = kestrane->start();
+        ASSERT_TRUE(failure.isEmpty()) << failure.toStdString();
     }
-
-    Node window() const { return tree->read(QStringLiteral("Kestrane")); }
 
     // With KESTRANE_E2E_STEPS set, every step is photographed too, to look at.
     void step(const QString &name) const
@@ -134,117 +118,66 @@ protected:
             session->screenshot(outputFolder() + QStringLiteral("/step-") + name + QStringLiteral(".png"));
     }
 
-    const Node *find(const QString &role, const QString &name)
+    // A clip opened through the Open dialog with all its tracks ticked.
+    void openAndTick(const QString &clip)
     {
-        m_last = window();
-        return m_last.find(role, name);
+        ASSERT_TRUE(kestrane->openThroughDialog(clip)) << "the clip did not load";
+        ASSERT_TRUE(kestrane->tickAllTracks()) << "the tracks could not be ticked";
     }
 
-    // Polls what the screen reader sees until a showing object of that role
-    // and name is there; it stays readable through m_last.
-    const Node *waitFor(const QString &role, const QString &name, int timeoutMs)
+    QString statusOf(const QString &fileName)
+    {
+        const Node *cell = kestrane->queueCell(fileName, QStringLiteral("Status"));
+        return cell ? cell->name : QString();
+    }
+
+    bool waitForStatus(const QString &fileName, const QString &status, int timeoutMs)
     {
         QDeadlineTimer deadline(timeoutMs);
-        do {
-            if (const Node *node = find(role, name))
-                return node;
+        while (statusOf(fileName) != status) {
+            if (deadline.hasExpired())
+                return false;
             QThread::msleep(200);
-        } while (!deadline.hasExpired());
-        return nullptr;
-    }
-
-    bool clickOn(const QString &role, const QString &name)
-    {
-        const Node *node = waitFor(role, name, 5000);
-        if (!node || !node->enabled)
-            return false;
-        session->click(node->centre());
-        return true;
-    }
-
-    // The track table's rows: the check box cell and the track's name cell.
-    struct TrackRow
-    {
-        Node check, info;
-    };
-    QList<TrackRow> trackRows()
-    {
-        m_last = window();
-        QList<TrackRow> rows;
-        const QList<const Node *> infos = m_last.findAll([](const Node &node) {
-            return node.role == QLatin1String("cell")
-                   && (node.name.startsWith(QLatin1String("Video:")) || node.name.startsWith(QLatin1String("Audio:")));
-        });
-        for (const Node *info : infos) {
-            const QList<const Node *> checks = m_last.findAll([&](const Node &node) {
-                return node.role == QLatin1String("cell") && node.extents.y() == info->extents.y()
-                       && node.extents.right() < info->extents.left();
-            });
-            if (!checks.isEmpty())
-                rows.append({*checks.first(), *info});
         }
-        return rows;
-    }
-
-    QString makeClip(const QString &name, int seconds)
-    {
-        const QString path = work.filePath(name);
-        QProcess ffmpeg;
-        ffmpeg.start(QStringLiteral("ffmpeg"),
-                     {QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"),
-                      QStringLiteral("lavfi"), QStringLiteral("-i"), QStringLiteral("testsrc=size=640x360:rate=25"),
-                      QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"), QStringLiteral("sine=frequency=440"),
-                      QStringLiteral("-t"), QString::number(seconds), QStringLiteral("-c:v"), QStringLiteral("libx264"),
-                      QStringLiteral("-preset"), QStringLiteral("ultrafast"), QStringLiteral("-c:a"),
-                      QStringLiteral("libmp3lame"), path});
-        if (!ffmpeg.waitForFinished(120000) || ffmpeg.exitCode() != 0)
-            return {};
-        return path;
+        return true;
     }
 
     static DesktopSession *session;
     QTemporaryDir work;
-    std::unique_ptr<AccessibleTree> tree;
-    QProcess kestrane;
-    Node m_last;
+    std::unique_ptr<KestraneDriver> kestrane;
 };
 
 DesktopSession *KestraneEndToEnd::session = nullptr;
 
 TEST_F(KestraneEndToEnd, ConvertsAClipOpenedThroughTheOpenDialogToMpeg4)
 {
-    const QString clip = makeClip(QStringLiteral("holiday.avi"), 120);
+    const QString clip = kestrane->makeClip(QStringLiteral("holiday.avi"), 120);
     ASSERT_FALSE(clip.isEmpty());
-    startKestrane();
+    ASSERT_NO_FATAL_FAILURE(startKestrane());
 
     // File > Open... by its key, and the path typed into Qt's own dialog.
-    session->key(QStringLiteral("ctrl+o"));
-    ASSERT_TRUE(waitFor(QStringLiteral("dialog"), QStringLiteral("Select video file to open:"), 10000)) << "no Open dialog";
-    QThread::msleep(500);
-    session->type(clip);
-    step(QStringLiteral("open-dialog"));
-    session->key(QStringLiteral("Return"));
-    ASSERT_TRUE(waitFor(QStringLiteral("label"), clip, 20000)) << "the clip did not load";
+    ASSERT_TRUE(kestrane->openThroughDialog(clip, [&] { step(QStringLiteral("open-dialog")); })) << "the clip did not load";
     step(QStringLiteral("loaded"));
 
     // The video ticked with the pointer, the audio with Space on its row.
-    QList<TrackRow> rows = trackRows();
+    QList<KestraneDriver::TrackRow> rows = kestrane->trackRows();
     ASSERT_EQ(rows.size(), 2);
-    session->click(QPoint(rows.at(0).check.extents.left() + 10, rows.at(0).check.centre().y()));
-    session->click(rows.at(1).info.centre());
-    session->key(QStringLiteral("space"));
+    kestrane->click(QPoint(rows.at(0).check.extents.left() + 10, rows.at(0).check.centre().y()));
+    kestrane->click(rows.at(1).info.centre());
+    kestrane->key(QStringLiteral("space"));
     QThread::msleep(300);
-    rows = trackRows();
+    rows = kestrane->trackRows();
     ASSERT_EQ(rows.size(), 2);
     EXPECT_TRUE(rows.at(0).check.checked) << "the click did not tick the video";
     EXPECT_TRUE(rows.at(1).check.checked) << "Space did not tick the audio";
 
-    ASSERT_TRUE(clickOn(QStringLiteral("radio button"), QStringLiteral("MPEG-4 (1 pass)")));
-    ASSERT_TRUE(clickOn(QStringLiteral("push button"), QStringLiteral("Convert"))) << "Convert is not enabled";
-    ASSERT_TRUE(waitFor(QStringLiteral("cell"), QStringLiteral("Running"), 20000)) << "the job did not start";
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("radio button"), QStringLiteral("MPEG-4 (1 pass)")));
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("push button"), QStringLiteral("Convert"))) << "Convert is not enabled";
+    ASSERT_TRUE(waitForStatus(QStringLiteral("holiday.avi"), QStringLiteral("Running"), 20000)) << "the job did not start";
     step(QStringLiteral("running"));
 
-    // Paused, every tool working on the clip is stopped; resumed, they go on to the end.
+    // Paused, every tool working on the clip is stopped and the row says so;
+    // resumed, they go on to the end.
     QList<qint64> tools;
     QDeadlineTimer starting(15000);
     while ((tools = toolsWorkingOn(clip)).isEmpty() && !starting.hasExpired())
@@ -262,14 +195,16 @@ TEST_F(KestraneEndToEnd, ConvertsAClipOpenedThroughTheOpenDialogToMpeg4)
         } while (!deadline.hasExpired());
         return false;
     };
-    ASSERT_TRUE(clickOn(QStringLiteral("push button"), QStringLiteral("Pause")));
-    ASSERT_TRUE(waitFor(QStringLiteral("push button"), QStringLiteral("Resume"), 5000));
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("push button"), QStringLiteral("Pause")));
+    ASSERT_TRUE(kestrane->waitFor(QStringLiteral("push button"), QStringLiteral("Resume"), 5000));
+    EXPECT_TRUE(waitForStatus(QStringLiteral("holiday.avi"), QStringLiteral("Paused"), 5000)) << statusOf(QStringLiteral("holiday.avi")).toStdString();
     EXPECT_TRUE(allInState(true)) << "a tool went on while paused";
     step(QStringLiteral("paused"));
-    ASSERT_TRUE(clickOn(QStringLiteral("push button"), QStringLiteral("Resume")));
-    ASSERT_TRUE(waitFor(QStringLiteral("push button"), QStringLiteral("Pause"), 5000));
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("push button"), QStringLiteral("Resume")));
+    ASSERT_TRUE(kestrane->waitFor(QStringLiteral("push button"), QStringLiteral("Pause"), 5000));
+    EXPECT_TRUE(waitForStatus(QStringLiteral("holiday.avi"), QStringLiteral("Running"), 5000));
     EXPECT_TRUE(allInState(false)) << "a tool stayed stopped after Resume";
-    ASSERT_TRUE(waitFor(QStringLiteral("cell"), QStringLiteral("Completed"), 180000)) << "the job did not complete";
+    ASSERT_TRUE(waitForStatus(QStringLiteral("holiday.avi"), QStringLiteral("Completed"), 180000)) << "the job did not complete";
     step(QStringLiteral("completed"));
 
     QStringList results = QDir(work.path()).entryList({QStringLiteral("*.avi")}, QDir::Files);
@@ -278,19 +213,75 @@ TEST_F(KestraneEndToEnd, ConvertsAClipOpenedThroughTheOpenDialogToMpeg4)
     const QString result = work.filePath(results.first());
     EXPECT_EQ(probe(result, QStringLiteral("v"), QStringLiteral("codec_name")), QStringLiteral("mpeg4"));
     EXPECT_FALSE(probe(result, QStringLiteral("a"), QStringLiteral("codec_name")).isEmpty()) << "no audio: the Space tick was lost";
+    const Node *output = kestrane->queueCell(QStringLiteral("holiday.avi"), QStringLiteral("Output"));
+    ASSERT_TRUE(output);
+    EXPECT_EQ(output->name, results.first()) << "the output column does not name the result";
 
     // Nothing runs any more: the first Quit ends the program.
-    session->key(QStringLiteral("ctrl+q"));
-    EXPECT_TRUE(kestrane.waitForFinished(10000)) << "still running after Ctrl+Q";
+    kestrane->key(QStringLiteral("ctrl+q"));
+    EXPECT_TRUE(kestrane->process().waitForFinished(10000)) << "still running after Ctrl+Q";
+}
+
+TEST_F(KestraneEndToEnd, AQueuedClipThatVanishedReadsFailedWithTheToolsReason)
+{
+    const QString first = kestrane->makeClip(QStringLiteral("first.avi"), 60);
+    const QString second = kestrane->makeClip(QStringLiteral("second.avi"), 4, QStringLiteral("320x180"));
+    ASSERT_FALSE(first.isEmpty() || second.isEmpty());
+    ASSERT_NO_FATAL_FAILURE(startKestrane());
+    ASSERT_NO_FATAL_FAILURE(openAndTick(first));
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("radio button"), QStringLiteral("MPEG-4 (1 pass)")));
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("push button"), QStringLiteral("Convert")));
+    ASSERT_TRUE(waitForStatus(QStringLiteral("first.avi"), QStringLiteral("Running"), 20000));
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("push button"), QStringLiteral("Pause")));
+
+    // Queued behind the first, the second clip is gone by its turn.
+    ASSERT_NO_FATAL_FAILURE(openAndTick(second));
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("push button"), QStringLiteral("Convert")));
+    ASSERT_TRUE(waitForStatus(QStringLiteral("second.avi"), QStringLiteral("Waiting"), 5000))
+        << statusOf(QStringLiteral("second.avi")).toStdString();
+    ASSERT_TRUE(QFile::remove(second));
+    ASSERT_TRUE(kestrane->clickOn(QStringLiteral("push button"), QStringLiteral("Resume")));
+    ASSERT_TRUE(waitForStatus(QStringLiteral("second.avi"), QStringLiteral("Failed"), 180000))
+        << statusOf(QStringLiteral("second.avi")).toStdString();
+    EXPECT_EQ(statusOf(QStringLiteral("first.avi")), QStringLiteral("Completed"));
+
+    // Its reason is on show without hovering, and the log is named.
+    const Node *reason = kestrane->waitForWhere(
+        [](const Node &node) { return node.role == QLatin1String("label") && node.name.startsWith(QLatin1String("Failed: ")); },
+        5000);
+    ASSERT_TRUE(reason) << "no reason on show";
+    step(QStringLiteral("failed"));
+    EXPECT_GT(reason->name.size(), QStringLiteral("Failed: ").size() + 10) << reason->name.toStdString();
+    const Node *output = kestrane->queueCell(QStringLiteral("second.avi"), QStringLiteral("Output"));
+    ASSERT_TRUE(output);
+    EXPECT_TRUE(output->name.startsWith(QLatin1String("Log: "))) << output->name.toStdString();
+
+    // Its menu opens the folder and the log, through the desktop.
+    const Node *name = kestrane->queueCell(QStringLiteral("second.avi"), QStringLiteral("File Name"));
+    ASSERT_TRUE(name);
+    const QString log = work.filePath(QStringLiteral("second.avi.log"));
+    kestrane->rightClick(name->centre());
+    QThread::msleep(500);
+    step(QStringLiteral("menu"));
+    kestrane->key(QStringLiteral("Down Return")); // Show in folder
+    QThread::msleep(500);
+    kestrane->rightClick(name->centre());
+    QThread::msleep(500);
+    kestrane->key(QStringLiteral("Down Down Return")); // Open log
+    QDeadlineTimer deadline(5000);
+    while (kestrane->opened().size() < 2 && !deadline.hasExpired())
+        QThread::msleep(100);
+    EXPECT_EQ(kestrane->opened(), (QStringList{QUrl::fromLocalFile(work.path()).toString(), QUrl::fromLocalFile(log).toString()}));
+    EXPECT_TRUE(QFileInfo::exists(log));
 }
 
 TEST_F(KestraneEndToEnd, QuitsAtTheFirstCtrlQ)
 {
-    startKestrane();
-    session->key(QStringLiteral("ctrl+q"));
-    ASSERT_TRUE(kestrane.waitForFinished(10000)) << "still running after Ctrl+Q";
-    EXPECT_EQ(kestrane.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(kestrane.exitCode(), 0);
+    ASSERT_NO_FATAL_FAILURE(startKestrane());
+    kestrane->key(QStringLiteral("ctrl+q"));
+    ASSERT_TRUE(kestrane->process().waitForFinished(10000)) << "still running after Ctrl+Q";
+    EXPECT_EQ(kestrane->process().exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(kestrane->process().exitCode(), 0);
 }
 
 } // namespace
