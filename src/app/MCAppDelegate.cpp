@@ -11,6 +11,7 @@
 #include "MCSelectionController.h"
 #include "MCVideoFile.h"
 #include "MCWatchModeController.h"
+#include "MCWords.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -92,7 +93,10 @@ void MCAppDelegate::applicationDidFinishLaunching()
     // command line answers "Keep Both" unless told to overwrite).
     queueController->existingResults = MCJob::ExistingResults::Ask;
     watchModeController = new MCWatchModeController(this);
-    watchModeController->appDelegate = this;
+    connect(watchModeController, &MCWatchModeController::moviesTakenUp, this, [this](const QList<QUrl> &files) {
+        setOpeningFileMode(kWatch);
+        openedFileHubForFiles(files);
+    });
     watchModeController->appPreferences = appPreferences;
     watchModeController->queueController = queueController;
     queueController->setWatchModeController(watchModeController);
@@ -105,7 +109,7 @@ void MCAppDelegate::applicationDidFinishLaunching()
     presetsController->initialize();
     presetsController->setLanguageNames(MCConverter().languageList);
     if (selectionController->currentTab().isEmpty())
-        selectionController->setCurrentTab(QStringLiteral("AVI"));
+        selectionController->setCurrentTab(MCWords::tabAvi);
     appPreferences->modifyToolTips();
     setOpenedURLsArray({});
     editFilesURLsArray.clear();
@@ -148,7 +152,7 @@ void MCAppDelegate::openedFileHubForFiles(const QList<QUrl> &urls)
     if (m_openingFileMode == kWatch) {
         // A watched file is processed at once with the presets in force.
         if (testNewFileURL(urls.first(), false) == kNewFileAdded)
-            QTimer::singleShot(kWatchStartDelayMs, this, [this] { startProcess(QString()); });
+            QTimer::singleShot(kWatchStartDelayMs, this, [this] { startJob(); });
         return;
     }
     if (testNewFileURL(urls.first(), true) == kNewFileAdded && currentSelection->headerRemovalFlag)
@@ -170,9 +174,13 @@ void MCAppDelegate::offerHeaderRemovalRemux()
 
 void MCAppDelegate::handleHeaderCompression(int returnCode)
 {
-    if (returnCode != MCAlertFirstButtonReturn)
-        return;
-    currentSelection->jobType = QStringLiteral("MKV Remux");
+    if (returnCode == MCAlertFirstButtonReturn)
+        queueRemux();
+}
+
+void MCAppDelegate::queueRemux()
+{
+    currentSelection->jobType = MCWords::jobMkvRemux;
     queueCurrentSelection();
     // The queue keeps its own copy; the live record goes back to what the
     // tab decides, so a Convert right after still converts.
@@ -282,6 +290,7 @@ void MCAppDelegate::loadNewFileTracksFrom(const QUrl &url, bool withAlerts)
 {
     // The old file stays loaded when the new one fails.
     auto candidate = std::make_shared<MCVideoFile>();
+    candidate->takeReportFrom(*currentVideoFile);
     m_lastLoadAnswer = candidate->initializeForURL(url);
     const QString answer = m_lastLoadAnswer.toLower();
     if (answer == QStringLiteral("ok")) {
@@ -321,7 +330,7 @@ QString MCAppDelegate::saveFolderForCurrentJob() const
     const QString preferred = appPreferences ? appPreferences->saveDirectoryURL.toLocalFile() : QString();
     if (!preferred.isEmpty())
         return preferred;
-    if (currentTab() == QStringLiteral("Edit Files")) {
+    if (currentTab() == MCWords::tabEditFiles) {
         const QList<QUrl> &files = currentSelection->editFilesURLsList;
         return files.isEmpty() ? QString() : QFileInfo(files.first().toLocalFile()).absolutePath();
     }
@@ -350,7 +359,7 @@ void MCAppDelegate::queueCurrentSelection()
 
 void MCAppDelegate::markEditTrackSources()
 {
-    if (currentTab() != QStringLiteral("Edit Tracks") || selectionController->editTrackMatrixIndex() != 1)
+    if (currentTab() != MCWords::tabEditTracks || selectionController->editTrackMatrixIndex() != 1)
         return;
     // Adding tracks keeps every track of the source itself.
     for (const MCVideoTrackPtr &track : std::as_const(currentVideoFile->trackList)) {
@@ -360,30 +369,44 @@ void MCAppDelegate::markEditTrackSources()
     selectionController->trackTableSelectionChanged();
 }
 
-void MCAppDelegate::startProcess(const QString &commandTitle)
+void MCAppDelegate::openFiles(const QString &tab, const QList<QUrl> &urls)
+{
+    selectionController->setCurrentTab(tab);
+    setOpeningFileMode(kOpen);
+    openedFileHubForFiles(urls);
+}
+
+void MCAppDelegate::addFiles(const QList<QUrl> &urls)
+{
+    setOpeningFileMode(kAdd);
+    for (const QUrl &url : urls)
+        openedFileHubForFiles({url});
+}
+
+bool MCAppDelegate::startJob(const QString &jobType)
 {
     if (endTextEditing)
         endTextEditing();
     if (!checkSaveFolderIsWritable())
-        return;
-    if (currentTab() == QStringLiteral("Edit Files")) {
-        if (commandTitle == QStringLiteral("Join"))
-            currentSelection->jobType = QStringLiteral("AVI Joining");
-        else if (commandTitle == QStringLiteral("Split"))
-            currentSelection->jobType = QStringLiteral("AVI Splitting");
-        else if (commandTitle == QStringLiteral("Re-Mux"))
-            currentSelection->jobType = QStringLiteral("MKV Remux");
+        return false;
+    if (jobType == MCWords::jobMkvRemux) {
+        queueRemux();
+        return true;
+    }
+    if (currentTab() == MCWords::tabEditFiles) {
+        if (!jobType.isEmpty())
+            currentSelection->jobType = jobType;
         queueCurrentSelection();
-        return;
+        return true;
     }
     if (m_openedURLsArray.size() == 1) {
         markEditTrackSources();
         queueCurrentSelection();
-        return;
+        return true;
     }
-    if (m_openedURLsArray.isEmpty())
-        return;
-    startBatch();
+    if (!m_openedURLsArray.isEmpty())
+        startBatch();
+    return true;
 }
 
 void MCAppDelegate::startBatch()
@@ -444,7 +467,7 @@ void MCAppDelegate::helpMenuItemSelected(const QString &title)
 QStringList MCAppDelegate::saveFileInfo()
 {
     QList<QUrl> files;
-    if (currentTab() == QStringLiteral("Edit Files"))
+    if (currentTab() == MCWords::tabEditFiles)
         files = editFilesURLsArray;
     else if (currentVideoFile && !currentVideoFile->theFileURL.isEmpty())
         files << currentVideoFile->theFileURL;

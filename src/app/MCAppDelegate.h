@@ -71,8 +71,16 @@ public:
     void handleHeaderCompression(int returnCode);
     void applyPresets();
 
-    // Start
-    void startProcess(const QString &commandTitle);
+    // Typed entry points: what a front end does, without its controls.
+    // Opens files into a tab, as the Open command does.
+    void openFiles(const QString &tab, const QList<QUrl> &urls);
+    // Adds files as tracks of the loaded file, as Add Tracks does.
+    void addFiles(const QList<QUrl> &urls);
+    // Starts the current tab's job. On "Edit Files" jobType picks joining,
+    // splitting or the remux; MKV Remux queues the loaded MKV's remux from
+    // any tab. Answers false when the save folder refused it.
+    bool startJob(const QString &jobType = {});
+
     void finishStartProcess();
     // The save folder of a job from the current selection: the preference's,
     // or the source's folder.
@@ -131,6 +139,7 @@ private:
     void addTrackAndApplyPresets(const QUrl &url, bool withAlerts);
     void markEditTrackSources();
     void queueCurrentSelection();
+    void queueRemux();
     void alertErrorOpening(const QUrl &url, const QString &text, bool withAlerts) const;
     void offerHeaderRemovalRemux();
     void startBatch();

@@ -1,6 +1,5 @@
 #include "MCWatchModeController.h"
 
-#include "MCAppDelegate.h"
 #include "MCLog.h"
 #include "MCPreferences.h"
 #include "MCJob.h"
@@ -253,10 +252,7 @@ void MCWatchModeController::handOnStableFiles()
         return;
     for (const QUrl &file : std::as_const(toProcessList))
         MCLog::line(QStringLiteral("Watch folder: taking up %1").arg(file.toLocalFile()));
-    emit moviesTakenUp(toProcessList);
-    if (appDelegate) {
-        appDelegate->setOpeningFileMode(QStringLiteral("watch"));
-        appDelegate->openedFileHubForFiles(toProcessList);
-    }
+    const QList<QUrl> files = toProcessList;
     toProcessList.clear();
+    emit moviesTakenUp(files);
 }

@@ -10,13 +10,12 @@
 #include <QUrl>
 #include <QVariantMap>
 
-class MCAppDelegate;
 class MCPreferences;
 class MCQueueController;
 
-// Watch mode: scans a folder every five seconds and hands each new movie,
-// once two scans in a row saw the same non-zero size, to the intake in
-// "watch" mode, which applies the presets and queues the jobs. The window
+// Watch mode: scans a folder every five seconds and announces each new
+// movie (moviesTakenUp) once two scans in a row saw the same non-zero size;
+// the intake takes it in "watch" mode, applies the presets and queues the jobs. The window
 // side (fades, the watch window, the folder chooser) binds to the signals.
 class MCWatchModeController : public QObject, public MCWatchModeLink
 {
@@ -27,7 +26,6 @@ class MCWatchModeController : public QObject, public MCWatchModeLink
 public:
     explicit MCWatchModeController(QObject *parent = nullptr);
 
-    MCAppDelegate *appDelegate = nullptr;
     MCPreferences *appPreferences = nullptr;
     MCQueueController *queueController = nullptr;
 
@@ -70,7 +68,7 @@ signals:
     // towardsWatchWindow: main window out, watch window in; else back.
     void toggleWindowsRequested(bool towardsWatchWindow);
     void folderChooserRequested();
-    // Files found complete in this scan, just before the intake takes them.
+    // Files found complete in this scan, for the intake to take.
     void moviesTakenUp(const QList<QUrl> &files);
 
 private:

@@ -62,6 +62,10 @@ std::optional<QString> timeRange(const QString &value, MCCliOptions &options)
 }
 
 const QStringList kConvert{QStringLiteral("convert")};
+// The conversion choices also make a settings preset.
+const QStringList kChoices{QStringLiteral("convert"), QStringLiteral("presets")};
+const QStringList kPresetActions{QStringLiteral("list"), QStringLiteral("show"), QStringLiteral("add-settings"),
+                                 QStringLiteral("add-selection"), QStringLiteral("remove")};
 
 const QList<OptionRule> &optionRules()
 {
@@ -78,29 +82,33 @@ const QList<OptionRule> &optionRules()
          [](MCCliOptions &o, const QString &v) { o.selectionPreset = v; return std::optional<QString>(); }},
         {QStringLiteral("settings-preset"), true, {QStringLiteral("convert"), QStringLiteral("watch")}, [](MCCliOptions &o, const QString &v) { o.settingsPreset = v; return std::optional<QString>(); }},
         {QStringLiteral("tracks"), true, {QStringLiteral("convert"), QStringLiteral("extract")}, [](MCCliOptions &o, const QString &v) { return trackList(v, o); }},
-        {QStringLiteral("device"), true, kConvert,
+        {QStringLiteral("device"), true, kChoices,
          [](MCCliOptions &o, const QString &v) {
              return oneOf(QStringLiteral("--device"), v, {QStringLiteral("General"), QStringLiteral("DivX DVD"), QStringLiteral("PS3"), QStringLiteral("Xbox")}, o.device);
          }},
-        {QStringLiteral("video"), true, kConvert,
+        {QStringLiteral("video"), true, kChoices,
          [](MCCliOptions &o, const QString &v) {
              return oneOf(QStringLiteral("--video"), v, {QStringLiteral("passthru"), QStringLiteral("mpeg4"), QStringLiteral("mpeg4-2pass")}, o.video);
          }},
-        {QStringLiteral("bitrate"), true, kConvert, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--bitrate"), v, o.bitrate); }},
-        {QStringLiteral("width"), true, kConvert, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--width"), v, o.width); }},
-        {QStringLiteral("audio"), true, kConvert,
+        {QStringLiteral("bitrate"), true, kChoices, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--bitrate"), v, o.bitrate); }},
+        {QStringLiteral("width"), true, kChoices, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--width"), v, o.width); }},
+        {QStringLiteral("audio"), true, kChoices,
          [](MCCliOptions &o, const QString &v) {
              return oneOf(QStringLiteral("--audio"), v, {QStringLiteral("passthru"), QStringLiteral("mp3"), QStringLiteral("ac3")}, o.audio);
          }},
-        {QStringLiteral("audio-bitrate"), true, kConvert,
+        {QStringLiteral("audio-bitrate"), true, kChoices,
          [](MCCliOptions &o, const QString &v) { return oneOf(QStringLiteral("--audio-bitrate"), v, MCCliOptions::audioBitRates(), o.audioBitrate); }},
-        {QStringLiteral("stereo-copy"), false, kConvert, [](MCCliOptions &o, const QString &) { o.stereoCopy = true; return std::optional<QString>(); }},
-        {QStringLiteral("subtitles"), true, kConvert,
+        {QStringLiteral("stereo-copy"), false, kChoices, [](MCCliOptions &o, const QString &) { o.stereoCopy = true; return std::optional<QString>(); }},
+        {QStringLiteral("subtitles"), true, kChoices,
          [](MCCliOptions &o, const QString &v) { return oneOf(QStringLiteral("--subtitles"), v, {QStringLiteral("burn"), QStringLiteral("extract")}, o.subtitles); }},
         {QStringLiteral("remux-header-removal"), true, kConvert,
          [](MCCliOptions &o, const QString &v) {
              return oneOf(QStringLiteral("--remux-header-removal"), v, {QStringLiteral("yes"), QStringLiteral("no")}, o.remuxHeaderRemoval);
          }},
+        {QStringLiteral("audio-filter"), true, {QStringLiteral("presets")},
+         [](MCCliOptions &o, const QString &v) { o.audioFilters << v; return std::optional<QString>(); }},
+        {QStringLiteral("subtitle-filter"), true, {QStringLiteral("presets")},
+         [](MCCliOptions &o, const QString &v) { o.subtitleFilters << v; return std::optional<QString>(); }},
         {QStringLiteral("time"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return timeRange(v, o); }},
         {QStringLiteral("size"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--size"), v, o.sizeMB); }},
         {QStringLiteral("pieces"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--pieces"), v, o.pieces); }},
@@ -123,8 +131,28 @@ struct PendingOption
     QString value;
 };
 
+std::optional<QString> checkPresetsRules(const MCCliOptions &options)
+{
+    const QString action = options.files.value(0);
+    if (!kPresetActions.contains(action))
+        return QStringLiteral("presets needs one of: %1").arg(kPresetActions.join(QStringLiteral(", ")));
+    const qsizetype wanted = action == QStringLiteral("list") ? 1 : 2;
+    if (options.files.size() != wanted)
+        return wanted == 1 ? QStringLiteral("presets list takes no name") : QStringLiteral("presets %1 takes one NAME").arg(action);
+    const bool filters = !options.audioFilters.isEmpty() || !options.subtitleFilters.isEmpty();
+    if (options.hasExplicitSettings() && action != QStringLiteral("add-settings"))
+        return QStringLiteral("the conversion options apply to presets add-settings only");
+    if (filters && action != QStringLiteral("add-selection"))
+        return QStringLiteral("--audio-filter and --subtitle-filter apply to presets add-selection only");
+    if (options.dryRun)
+        return QStringLiteral("presets cannot be a dry run");
+    return std::nullopt;
+}
+
 std::optional<QString> checkCommandRules(const MCCliOptions &options)
 {
+    if (options.command == QStringLiteral("presets"))
+        return checkPresetsRules(options);
     if (options.command == QStringLiteral("split")) {
         const bool byTime = !options.startTime.isEmpty();
         const bool bySize = !options.sizeMB.isEmpty() || !options.pieces.isEmpty();
@@ -163,7 +191,8 @@ bool MCCliOptions::hasExplicitSettings() const
 const QStringList &MCCliOptions::commands()
 {
     static const QStringList names{QStringLiteral("inspect"), QStringLiteral("convert"), QStringLiteral("join"), QStringLiteral("split"),
-                                   QStringLiteral("extract"), QStringLiteral("add-audio"), QStringLiteral("remux"), QStringLiteral("watch")};
+                                   QStringLiteral("extract"), QStringLiteral("add-audio"), QStringLiteral("remux"), QStringLiteral("watch"),
+                                   QStringLiteral("presets")};
     return names;
 }
 

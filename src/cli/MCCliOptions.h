@@ -40,6 +40,10 @@ struct MCCliOptions
     QString subtitles; // burn, extract
     QString remuxHeaderRemoval; // yes, no; empty: no
 
+    // presets add-selection: "none", "all", a track number or properties
+    QStringList audioFilters;
+    QStringList subtitleFilters;
+
     // split
     QString startTime; // HH:MM:SS
     QString endTime;

@@ -6,8 +6,8 @@
 #include "MCDryRun.h"
 #include "MCJob.h"
 #include "MCJobWatcher.h"
-#include "MCNotificationCenter.h"
 #include "MCPreferences.h"
+#include "MCPresetCatalog.h"
 #include "MCPresetsController.h"
 #include "MCProgressPrinter.h"
 #include "MCQueueController.h"
@@ -15,8 +15,8 @@
 #include "MCSignalWatcher.h"
 #include "MCVideoFile.h"
 #include "MCWatchModeController.h"
+#include "MCWords.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QTimer>
@@ -141,26 +141,21 @@ int MCCliSession::setUp()
 
 int MCCliSession::choosePresets()
 {
-    MCPresetsController *presets = m_app->presetsController;
-    const auto pick = [](const QString &kind, const QString &name, const QStringList &names) {
-        const qsizetype index = names.indexOf(name);
-        if (index < 0)
-            printError(QStringLiteral("%1: unknown %2 preset '%3' (known: %4)").arg(kProgram, kind, name, names.join(QStringLiteral(", "))));
-        return static_cast<int>(index);
+    MCPresetCatalog presets(*m_app->presetsController);
+    const auto choose = [&presets](MCPresetCatalog::Kind kind, const QString &name) {
+        if (presets.choose(kind, name))
+            return true;
+        const QString kindName = kind == MCPresetCatalog::Kind::Selection ? QStringLiteral("selection") : QStringLiteral("settings");
+        printError(QStringLiteral("%1: unknown %2 preset '%3' (known: %4)")
+                       .arg(kProgram, kindName, name, presets.names(kind).join(QStringLiteral(", "))));
+        return false;
     };
-    const QStringList selectionNames = presets->presetSelectionsNamesList;
-    int selection = 0;
-    if (!m_options.selectionPreset.isEmpty())
-        selection = pick(QStringLiteral("selection"), m_options.selectionPreset, selectionNames);
-    else if (!m_options.tracks)
-        selection = static_cast<int>(selectionNames.indexOf(QStringLiteral("First Track")));
-    int settings = 0;
-    if (!m_options.settingsPreset.isEmpty())
-        settings = pick(QStringLiteral("settings"), m_options.settingsPreset, presets->presetSettingsNamesList);
-    if (selection < 0 || settings < 0)
+    QString selection = m_options.selectionPreset;
+    if (selection.isEmpty())
+        selection = m_options.tracks ? QStringLiteral("Manual") : QStringLiteral("First Track");
+    const QString settings = m_options.settingsPreset.isEmpty() ? QStringLiteral("Manual") : m_options.settingsPreset;
+    if (!choose(MCPresetCatalog::Kind::Selection, selection) || !choose(MCPresetCatalog::Kind::Settings, settings))
         return 2;
-    presets->setSelectionMethodIndex(selection);
-    presets->setSettingMethodIndex(settings);
     return -1;
 }
 
@@ -185,9 +180,7 @@ QList<QUrl> MCCliSession::checkedFiles(const QStringList &paths)
 
 void MCCliSession::openFiles(const QString &tab, const QList<QUrl> &urls)
 {
-    m_app->selectionController->setCurrentTab(tab);
-    m_app->setOpeningFileMode(QStringLiteral("open"));
-    m_app->openedFileHubForFiles(urls);
+    m_app->openFiles(tab, urls);
 }
 
 bool MCCliSession::loaded(const QUrl &url) const
@@ -205,23 +198,15 @@ bool MCCliSession::selectTracks(const QList<int> &positions, const QUrl &url)
             return false;
         }
     }
-    for (qsizetype i = 0; i < tracks.size(); ++i)
-        tracks.at(i)->trackSelected = positions.contains(static_cast<int>(i + 1));
-    // As a click in the track table: the track preset no longer applies.
-    m_app->selectionController->trackTableSelectionChanged(MCSelectionController::senderTrackTable);
+    m_app->selectionController->chooseTracks(positions);
     return true;
 }
 
 void MCCliSession::applyExplicitSettings()
 {
     MCSelectionController *rules = m_app->selectionController;
-    if (m_options.stereoCopy) {
-        rules->setAddStereoTrackButton(1);
-        // The check box rebuilds the stereo copies on the next turn of the loop.
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
+    if (m_options.stereoCopy)
+        rules->chooseStereoCopy(true);
     if (!m_options.device.isEmpty())
         rules->setMp4Device(m_options.device);
     if (!m_options.video.isEmpty())
@@ -242,10 +227,10 @@ void MCCliSession::applyExplicitSettings()
 void MCCliSession::takeSelection(const MCSelectionPtr &selection)
 {
     // A watched folder's movies converted to AVI are refused alike.
-    const bool watchedConversion = m_options.command == QStringLiteral("watch")
-                                   && m_app->selectionController->currentTab() == MCSelectionController::tabAvi;
-    const bool converting = (m_options.command == QStringLiteral("convert") || watchedConversion)
-                            && selection->jobType != QStringLiteral("MKV Remux");
+    // A settings preset may make "convert" another job (extracting tracks):
+    // only a conversion takes the explicit choices and the conversion check.
+    const bool converting = selection->jobType == MCWords::jobAviConversion
+                            && (m_options.command == QStringLiteral("convert") || m_options.command == QStringLiteral("watch"));
     if (converting) {
         // A file that did not load has had its alert already.
         if (m_app->currentVideoFile->trackList.isEmpty())
@@ -298,14 +283,17 @@ int MCCliSession::convert()
     const QList<QUrl> urls = checkedFiles(m_options.files);
     if (urls.isEmpty())
         return -1;
-    openFiles(QStringLiteral("AVI"), urls);
+    // The files open where the settings preset works ("Extract Tracks"
+    // extracts); opening them elsewhere would cancel the preset.
+    const QString presetTab = MCPresetCatalog(*m_app->presetsController).tabOfChosenSettings();
+    openFiles(presetTab.isEmpty() ? MCWords::tabAvi : presetTab, urls);
     if (urls.size() == 1) {
         if (!loaded(urls.first()))
             return -1;
         if (m_options.tracks && !selectTracks(*m_options.tracks, urls.first()))
             return -1;
     }
-    m_app->startProcess(QStringLiteral("Convert"));
+    m_app->startJob();
     return -1;
 }
 
@@ -314,13 +302,13 @@ int MCCliSession::join()
     const QList<QUrl> urls = checkedFiles(m_options.files);
     if (urls.isEmpty())
         return -1;
-    openFiles(QStringLiteral("Edit Files"), urls);
+    openFiles(MCWords::tabEditFiles, urls);
     QString why;
     if (!startAllowed(&why)) {
         fail(QStringLiteral("%1: %2").arg(kProgram, why));
         return -1;
     }
-    m_app->startProcess(QStringLiteral("Join"));
+    m_app->startJob(MCWords::jobAviJoining);
     return -1;
 }
 
@@ -329,18 +317,14 @@ int MCCliSession::split()
     const QList<QUrl> urls = checkedFiles(m_options.files);
     if (urls.isEmpty())
         return -1;
-    openFiles(QStringLiteral("Edit Files"), urls);
+    openFiles(MCWords::tabEditFiles, urls);
     if (m_app->editFilesURLsArray.isEmpty())
         return -1;
     MCSelectionController *rules = m_app->selectionController;
     if (!m_options.startTime.isEmpty()) {
         rules->splitTypeMatrixIndex = 0;
-        // As typed into the two time fields.
-        const auto typed = [rules](const QString &field, const QString &text) {
-            rules->notificationHub(MCNotification{MCNotificationName::timeTextFieldChanged, text, {{QStringLiteral("textFieldID"), field}}});
-        };
-        typed(QStringLiteral("startTimeTextField"), m_options.startTime);
-        typed(QStringLiteral("endTimeTextField"), m_options.endTime);
+        rules->setSplitStartTime(m_options.startTime);
+        rules->setSplitEndTime(m_options.endTime);
     } else {
         rules->splitTypeMatrixIndex = 1;
         rules->setEnteredSplitSize(m_options.sizeMB);
@@ -352,7 +336,7 @@ int MCCliSession::split()
         fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
         return -1;
     }
-    m_app->startProcess(QStringLiteral("Split"));
+    m_app->startJob(MCWords::jobAviSplitting);
     return -1;
 }
 
@@ -361,9 +345,9 @@ int MCCliSession::extract()
     const QList<QUrl> urls = checkedFiles(m_options.files);
     if (urls.isEmpty())
         return -1;
-    m_app->selectionController->setCurrentTab(QStringLiteral("Edit Tracks"));
+    m_app->selectionController->setCurrentTab(MCWords::tabEditTracks);
     m_app->selectionController->setEditTrackMatrixIndex(0);
-    openFiles(QStringLiteral("Edit Tracks"), urls);
+    openFiles(MCWords::tabEditTracks, urls);
     if (!loaded(urls.first()))
         return -1;
     if (m_options.tracks && !selectTracks(*m_options.tracks, urls.first()))
@@ -374,7 +358,7 @@ int MCCliSession::extract()
         fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
         return -1;
     }
-    m_app->startProcess(QStringLiteral("Extract"));
+    m_app->startJob();
     return -1;
 }
 
@@ -383,28 +367,31 @@ int MCCliSession::addAudio()
     const QList<QUrl> video = checkedFiles(m_options.files.mid(0, 1));
     if (video.isEmpty())
         return -1;
-    m_app->selectionController->setCurrentTab(QStringLiteral("Edit Tracks"));
+    m_app->selectionController->setCurrentTab(MCWords::tabEditTracks);
     m_app->selectionController->setEditTrackMatrixIndex(1);
-    openFiles(QStringLiteral("Edit Tracks"), video);
+    openFiles(MCWords::tabEditTracks, video);
     if (!loaded(video.first()))
         return -1;
-    MCVideoFile &file = *m_app->currentVideoFile;
+    const MCVideoFile &file = *m_app->currentVideoFile;
     for (const QUrl &audio : checkedFiles(m_options.files.mid(1))) {
         const qsizetype before = file.trackList.size();
-        m_app->setOpeningFileMode(QStringLiteral("add"));
-        m_app->openedFileHubForFiles({audio});
+        m_app->addFiles({audio});
         if (file.trackList.size() == before)
             m_status = 1; // its alert said why
     }
-    for (const MCVideoTrackPtr &track : std::as_const(file.trackList))
-        track->trackSelected = track->externalTrackFlag && track->trackType == QStringLiteral("Audio");
-    m_app->selectionController->trackTableSelectionChanged(MCSelectionController::senderTrackTable);
+    QList<int> added;
+    for (qsizetype i = 0; i < file.trackList.size(); ++i) {
+        const MCVideoTrack &track = *file.trackList.at(i);
+        if (track.externalTrackFlag && track.trackType == MCWords::trackAudio)
+            added << static_cast<int>(i + 1);
+    }
+    m_app->selectionController->chooseTracks(added);
     QString why;
     if (!startAllowed(&why)) {
         fail(QStringLiteral("%1: %2: %3").arg(kProgram, video.first().fileName(), why));
         return -1;
     }
-    m_app->startProcess(QStringLiteral("Add"));
+    m_app->startJob();
     return -1;
 }
 
@@ -418,14 +405,11 @@ int MCCliSession::remux()
         return -1;
     }
     // The offer made at loading is declined: the remux is queued once, below.
-    openFiles(QStringLiteral("AVI"), urls);
+    openFiles(MCWords::tabAvi, urls);
     if (!loaded(urls.first()))
         return -1;
-    if (!m_app->checkSaveFolderIsWritable()) {
+    if (!m_app->startJob(MCWords::jobMkvRemux))
         m_status = 1;
-        return -1;
-    }
-    m_app->handleHeaderCompression(MCAlertFirstButtonReturn);
     return -1;
 }
 

@@ -1,6 +1,7 @@
 #include "MCCommandLine.h"
 
 #include "MCCliOptions.h"
+#include "MCCliPresets.h"
 #include "MCCliSession.h"
 #include "MCJsonReport.h"
 #include "MCVideoFile.h"
@@ -51,6 +52,8 @@ int MCCommandLine::run()
     }
     if (options.command == QStringLiteral("inspect"))
         return inspect(options);
+    if (options.command == QStringLiteral("presets"))
+        return MCCliPresets(options).run();
     return MCCliSession(options).run();
 }
 
@@ -104,6 +107,10 @@ QString MCCommandLine::helpText()
         "  remux FILE                copy an MKV file without header-removal compression\n"
         "  watch DIR                 convert every new movie put into DIR (or below it)\n"
         "                            with the presets, until interrupted\n"
+        "  presets list | show NAME | remove NAME\n"
+        "  presets add-settings NAME [convert options]\n"
+        "  presets add-selection NAME [--audio-filter F]... [--subtitle-filter F]...\n"
+        "                            the presets of the settings file, as the window's\n"
         "\n"
         "Options of inspect:\n"
         "      --json                one JSON object per file, with one per track\n"
@@ -123,6 +130,9 @@ QString MCCommandLine::helpText()
         "      --remux-header-removal yes|no\n"
         "                            answer the offer to remux an MKV file that uses\n"
         "                            header-removal compression (default no)\n"
+        "\n"
+        "Filters of presets add-selection (audio and subtitles alike):\n"
+        "      none, all, a track number, or lang=NAME,codec=NAME[,channels=stereo|surround]\n"
         "\n"
         "Options of split:\n"
         "      --time HH:MM:SS-HH:MM:SS  keep this range\n"

@@ -5,6 +5,7 @@
 #include "MCJobWatcher.h"
 #include "MCQueueController.h"
 #include "MCVideoFile.h"
+#include "MCWords.h"
 
 #include <QDeadlineTimer>
 #include <QEventLoop>
@@ -59,7 +60,7 @@ QString trackLine(const MCSelection &selection, const MCVideoFile &file, const M
         target = videoTarget(selection, track);
     else if (track.trackType == QStringLiteral("Audio"))
         target = audioTarget(track);
-    const bool converting = selection.jobType == QStringLiteral("AVI Conversion");
+    const bool converting = selection.jobType == MCWords::jobAviConversion;
     return QStringLiteral("  %1: %2%3\n").arg(prefix.isEmpty() ? where : prefix, source,
                                                 converting ? QStringLiteral(" -> ") + target : QString());
 }
@@ -93,18 +94,18 @@ QString MCDryRun::describe(const MCSelection &selection, const MCVideoFile &file
                              ? selection.editFilesURLsList.first().toLocalFile()
                              : selection.videoTrackFilePath;
     QString text = QStringLiteral("%1\n  job: %2\n").arg(name, selection.jobType);
-    const bool editingFiles = selection.jobType == QStringLiteral("AVI Joining") || selection.jobType == QStringLiteral("AVI Splitting");
+    const bool editingFiles = selection.jobType == MCWords::jobAviJoining || selection.jobType == MCWords::jobAviSplitting;
     if (editingFiles) {
         for (const QUrl &url : selection.editFilesURLsList)
             text += QStringLiteral("  file: %1\n").arg(url.toLocalFile());
-        if (selection.jobType == QStringLiteral("AVI Splitting")) {
+        if (selection.jobType == MCWords::jobAviSplitting) {
             text += selection.splitType == QStringLiteral("size")
                         ? QStringLiteral("  split: %1 pieces of %2 MB\n").arg(selection.splitNumber, selection.splitSize)
                         : QStringLiteral("  split: %1 to %2\n").arg(selection.splitStartTimeText, selection.splitEndTimeText);
         }
         return text;
     }
-    if (selection.jobType == QStringLiteral("AVI Conversion") && !selection.theDevice.isEmpty()
+    if (selection.jobType == MCWords::jobAviConversion && !selection.theDevice.isEmpty()
         && selection.theDevice != QStringLiteral("none"))
         text += QStringLiteral("  device: %1\n").arg(selection.theDevice);
     for (const MCVideoTrackPtr &track : selection.trackList) {

@@ -1,9 +1,9 @@
 #include "MCProgressPrinter.h"
 
+#include "MCStepStatus.h"
+
 #include <QRegularExpression>
 #include <QVariantMap>
-
-#include <algorithm>
 
 #include <unistd.h>
 
@@ -16,7 +16,7 @@ constexpr int kPlainStep = 10;
 
 QString plainKey(const QString &status)
 {
-    const std::optional<double> percent = MCProgressPrinter::percentIn(status);
+    const std::optional<double> percent = MCStepStatus::percentIn(status);
     if (!percent)
         return status;
     // Keep the words ("Pass #2: ") and round the number down to the step.
@@ -40,18 +40,6 @@ MCProgressPrinter::Mode MCProgressPrinter::modeFor(std::FILE *out, bool quiet)
     return ::isatty(::fileno(out)) ? Mode::Live : Mode::Plain;
 }
 
-std::optional<double> MCProgressPrinter::percentIn(const QString &status)
-{
-    static const QRegularExpression pattern(QStringLiteral("(\\d+(?:\\.\\d+)?)\\s*%"));
-    QRegularExpressionMatchIterator it = pattern.globalMatch(status);
-    std::optional<double> last;
-    while (it.hasNext())
-        last = it.next().captured(1).toDouble();
-    if (last)
-        last = std::clamp(*last, 0.0, 100.0);
-    return last;
-}
-
 QString MCProgressPrinter::bar(std::optional<double> percent, int width)
 {
     const int filled = percent ? static_cast<int>(*percent * width / 100.0) : 0;
@@ -60,7 +48,7 @@ QString MCProgressPrinter::bar(std::optional<double> percent, int width)
 
 QString MCProgressPrinter::liveLine(const QString &step, const QString &status)
 {
-    return QStringLiteral("  %1 %2  %3").arg(bar(percentIn(status), kBarWidth), step, status);
+    return QStringLiteral("  %1 %2  %3").arg(bar(MCStepStatus::percentIn(status), kBarWidth), step, status);
 }
 
 void MCProgressPrinter::print(const QString &text)

@@ -29,8 +29,6 @@ public:
     // A line of its own between jobs (not in quiet mode).
     void note(const QString &text);
 
-    // The percentage in a status text ("37%", "Pass #2: 37.5%"), if any.
-    static std::optional<double> percentIn(const QString &status);
     // "[#####...]" of the given width for a percentage.
     static QString bar(std::optional<double> percent, int width);
     static QString liveLine(const QString &step, const QString &status);

@@ -5,13 +5,13 @@
 #include "MCMencoderVideo.h"
 #include "MCNotificationCenter.h"
 #include "MCPreferences.h"
+#include "MCSaveVolume.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
 #include <QSemaphore>
-#include <QStorageInfo>
 #include <QTimer>
 
 #include <csignal>
@@ -161,27 +161,7 @@ void MCJob::startJob()
 
 QString MCJob::spaceShortage() const
 {
-    const QString folder = saveFolderPath();
-    const QStorageInfo volume(folder);
-    if (folder.isEmpty() || !volume.isValid() || !volume.isReady())
-        return {};
-    qint64 needed = 0;
-    QStringList counted;
-    for (const QString &input : jobInputPaths()) {
-        const QFileInfo source(input);
-        if (counted.contains(source.canonicalFilePath()) || !source.isFile())
-            continue;
-        counted << source.canonicalFilePath();
-        needed += source.size();
-    }
-    // A result about the size of its sources, logs and statistics beside it.
-    needed += needed / 10 + lowFreeSpaceBytes;
-    if (volume.bytesAvailable() >= needed)
-        return {};
-    return QStringLiteral("It appears that your save volume is almost out of free space. This job needs about %1 MB; %2 has %3 MB free.")
-        .arg(needed / 1000000 + 1)
-        .arg(folder)
-        .arg(volume.bytesAvailable() / 1000000);
+    return MCSaveVolume(saveFolderPath(), lowFreeSpaceBytes).shortageFor(jobInputPaths());
 }
 
 void MCJob::refuseToStart(const QString &reason)
@@ -556,21 +536,7 @@ void MCJob::wakeMonitor()
 
 QStringList MCJob::jobInputPaths() const
 {
-    QStringList paths;
-    if (!jobSelection)
-        return paths;
-    paths << jobSelection->videoTrackFileURL.toLocalFile() << jobSelection->videoTrackFilePath;
-    for (const QUrl &url : jobSelection->editFilesURLsList)
-        paths << url.toLocalFile();
-    for (const MCTrackList &list : {jobSelection->trackList, jobSelection->addedAudioTrackList, jobSelection->keepTracksList}) {
-        for (const MCVideoTrackPtr &track : list) {
-            if (track)
-                paths << track->trackFileURL.toLocalFile() << track->trackFilePath;
-        }
-    }
-    for (QString &path : paths)
-        path = QFileInfo(path).absoluteFilePath();
-    return paths;
+    return jobSelection ? jobSelection->sourcePaths() : QStringList();
 }
 
 void MCJob::removeFiles(const QStringList &paths)
@@ -608,11 +574,7 @@ void MCJob::jobDone()
 
 void MCJob::warnIfSaveVolumeIsAlmostFull()
 {
-    const QString folder = saveFolderPath();
-    const QStorageInfo volume(folder);
-    if (folder.isEmpty() || !volume.isValid() || !volume.isReady())
-        return;
-    if (volume.bytesAvailable() > lowFreeSpaceBytes)
+    if (!MCSaveVolume(saveFolderPath(), lowFreeSpaceBytes).isAlmostFull())
         return;
     MCAlert alert;
     alert.message = QStringLiteral("It appears that your save volume is almost out of free space.");

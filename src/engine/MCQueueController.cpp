@@ -10,6 +10,7 @@
 #include "MCProgressTableModel.h"
 #include "MCQueueJobModel.h"
 #include "MCWatchModeLink.h"
+#include "MCWords.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -70,12 +71,12 @@ void MCQueueController::setWatchModeController(MCWatchModeLink *watchModeControl
 
 QString MCQueueController::jobClassForType(const QString &jobType)
 {
-    if (jobType == QStringLiteral("AVI Conversion"))
+    if (jobType == MCWords::jobAviConversion)
         return QStringLiteral("MCConvertToAviJob");
-    if (jobType == QStringLiteral("AVI Track Extraction") || jobType == QStringLiteral("AVI Track Addition")
-        || jobType == QStringLiteral("AVI Joining") || jobType == QStringLiteral("AVI Splitting"))
+    if (jobType == MCWords::jobAviTrackExtraction || jobType == MCWords::jobAviTrackAddition
+        || jobType == MCWords::jobAviJoining || jobType == MCWords::jobAviSplitting)
         return QStringLiteral("MCEditAviJob");
-    if (jobType == QStringLiteral("MKV Remux"))
+    if (jobType == MCWords::jobMkvRemux)
         return QStringLiteral("MCReMuxMkvJob");
     return {};
 }
@@ -109,7 +110,7 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
             job->journalId = m_journal->record(job->jobType, fileName, *jobSelection);
         appendJob(job);
     };
-    if (selection->jobType == QStringLiteral("AVI Splitting")) {
+    if (selection->jobType == MCWords::jobAviSplitting) {
         for (const QUrl &url : selection->editFilesURLsList) {
             MCSelectionPtr copy = selection->copy();
             copy->videoTrackFileURL = url;
@@ -118,7 +119,7 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
         return;
     }
     MCSelectionPtr copy = selection->copy();
-    if (selection->jobType == QStringLiteral("AVI Conversion") || selection->jobType == QStringLiteral("MKV Remux"))
+    if (selection->jobType == MCWords::jobAviConversion || selection->jobType == MCWords::jobMkvRemux)
         copy->trackList += copy->addedAudioTrackList;
     makeJob(copy, jobFileNameFor(*selection));
 }

@@ -1,24 +1,15 @@
 #include "MCProgressDelegate.h"
 
+#include "MCStepStatus.h"
+
 #include <QApplication>
 #include <QPainter>
-#include <QRegularExpression>
 #include <QStyleOptionProgressBar>
-
-std::optional<int> MCProgressDelegate::percentageIn(const QString &status)
-{
-    static const QRegularExpression trailing(QStringLiteral("(\\d+(?:\\.\\d+)?)\\s*%\\s*$"));
-    const auto match = trailing.match(status);
-    if (!match.hasMatch())
-        return std::nullopt;
-    const double value = match.captured(1).toDouble();
-    return static_cast<int>(qBound(0.0, value, 100.0));
-}
 
 void MCProgressDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const QString status = index.data().toString();
-    const auto percent = percentageIn(status);
+    const std::optional<double> percent = MCStepStatus::percentIn(status);
     if (!percent) {
         QStyledItemDelegate::paint(painter, option, index);
         return;
@@ -28,7 +19,7 @@ void MCProgressDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
     bar.state = option.state | QStyle::State_Horizontal;
     bar.minimum = 0;
     bar.maximum = 100;
-    bar.progress = *percent;
+    bar.progress = static_cast<int>(*percent);
     bar.text = status;
     bar.textVisible = true;
     bar.textAlignment = Qt::AlignCenter;

@@ -10,6 +10,7 @@
 #include "MCSelectionController.h"
 #include "MCTrackTableModel.h"
 #include "MCVideoFile.h"
+#include "MCWords.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -267,9 +268,15 @@ void MCWindowBinding::bindPresetEditors()
 void MCWindowBinding::bindStartButtons()
 {
     MCMainWindow *w = m_window;
-    for (QPushButton *button : {w->convertButton, w->joinButton, w->splitButton, w->remuxButton, w->startTrackEditButton}) {
-        connect(button, &QPushButton::clicked, this, [this, button] { m_delegate->startProcess(button->text()); });
-    }
+    const std::pair<QPushButton *, QString> starts[] = {
+        {w->convertButton, QString()},
+        {w->startTrackEditButton, QString()},
+        {w->joinButton, MCWords::jobAviJoining},
+        {w->splitButton, MCWords::jobAviSplitting},
+        {w->remuxButton, MCWords::jobMkvRemux},
+    };
+    for (const auto &[button, jobType] : starts)
+        connect(button, &QPushButton::clicked, this, [this, jobType] { m_delegate->startJob(jobType); });
 }
 
 // ---------------------------------------------------------------- rules -> window

@@ -5,6 +5,7 @@
 #include "MCNotificationCenter.h"
 #include "MCOutputGuard.h"
 #include "MCSplitRange.h"
+#include "MCWords.h"
 
 #include <QFileInfo>
 
@@ -28,11 +29,11 @@ QString MCAviEditor::startConversionFor(const MCSelectionPtr &selection)
     tempFileToDeleteURL.clear();
     if (!selection)
         return refuse(QStringLiteral("there is nothing to work on"));
-    if (selection->jobType == QStringLiteral("AVI Joining"))
+    if (selection->jobType == MCWords::jobAviJoining)
         return startJoining();
-    if (selection->jobType == QStringLiteral("AVI Splitting"))
+    if (selection->jobType == MCWords::jobAviSplitting)
         return startSplitting();
-    if (selection->jobType == QStringLiteral("AVI Track Addition"))
+    if (selection->jobType == MCWords::jobAviTrackAddition)
         return startAddingAudio();
     return refuse(QStringLiteral("the AVI editor cannot do \"%1\"").arg(selection->jobType));
 }

@@ -4,6 +4,7 @@
 #include "MCJobFactory.h"
 #include "MCMkvReMuxer.h"
 #include "MCTrackDumper.h"
+#include "MCWords.h"
 
 #include <QTimer>
 
@@ -28,19 +29,19 @@ void MCEditAviJob::startJob()
 {
     beginEditing();
     const QString &type = jobSelection->jobType;
-    if (type == QStringLiteral("AVI Track Extraction")) {
+    if (type == MCWords::jobAviTrackExtraction) {
         startExtraction([] { return std::make_shared<MCTrackDumper>(); });
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditAviJob::monitorStartJob);
-    } else if (type == QStringLiteral("AVI Track Addition")) {
+    } else if (type == MCWords::jobAviTrackAddition) {
         startSingleStep(std::make_shared<MCAviEditor>(), QStringLiteral("Adding Tracks"), expectedResult());
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditAviJob::monitorStartJob);
-    } else if (type == QStringLiteral("AVI Joining")) {
+    } else if (type == MCWords::jobAviJoining) {
         startSingleStep(std::make_shared<MCAviEditor>(), QStringLiteral("Joining Videos"), expectedResult());
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditAviJob::monitorStartJobWithMultipleSteps);
-    } else if (type == QStringLiteral("AVI Splitting")) {
+    } else if (type == MCWords::jobAviSplitting) {
         startSingleStep(std::make_shared<MCAviEditor>(), QStringLiteral("Splitting Videos"), expectedResult());
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditAviJob::monitorStartJob);
-    } else if (type == QStringLiteral("MKV Remux")) {
+    } else if (type == MCWords::jobMkvRemux) {
         startSingleStep(std::make_shared<MCMkvReMuxer>(), QStringLiteral("Re-Muxing MKV"), expectedResult());
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditAviJob::monitorMuxStep);
     } else {

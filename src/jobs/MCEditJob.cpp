@@ -1,6 +1,7 @@
 #include "MCEditJob.h"
 
 #include "MCSplitRange.h"
+#include "MCWords.h"
 
 namespace {
 
@@ -70,17 +71,17 @@ MCResultExpectation MCEditJob::expectedEditResult(bool lateCuts) const
     result.media = true;
     const QString &type = jobSelection->jobType;
     const QString source = jobSelection->videoTrackFileURL.toLocalFile();
-    if (type == QStringLiteral("AVI Joining")) {
+    if (type == MCWords::jobAviJoining) {
         // A file the tool could not append would leave the join short.
         for (const QUrl &file : jobSelection->editFilesURLsList)
             result.durationSources << file.toLocalFile();
-    } else if (type == QStringLiteral("AVI Splitting") && jobSelection->splitType == QStringLiteral("time")) {
+    } else if (type == MCWords::jobAviSplitting && jobSelection->splitType == QStringLiteral("time")) {
         result.durationSources = {source};
         result.rangeStart = MCSplitRange::secondsOfTimeText(jobSelection->splitStartTimeText);
         result.rangeEnd = MCSplitRange::secondsOfTimeText(jobSelection->splitEndTimeText);
         result.cutSlackSeconds = kKeyFrameSlackSeconds;
         result.cutLateSeconds = lateCuts ? kKeyFrameSlackSeconds : 0.0;
-    } else if (type == QStringLiteral("AVI Track Addition")) {
+    } else if (type == MCWords::jobAviTrackAddition) {
         // The source's own audio tracks and one more for every added file.
         result.durationSources = {source};
         result.addedAudioTracks = 0;
@@ -88,7 +89,7 @@ MCResultExpectation MCEditJob::expectedEditResult(bool lateCuts) const
             if (track && track->trackType == QStringLiteral("Audio") && track->trackFilePath != source)
                 ++result.addedAudioTracks;
         }
-    } else if (type == QStringLiteral("MKV Remux")) {
+    } else if (type == MCWords::jobMkvRemux) {
         result.durationSources = {source};
     }
     return result;

@@ -6,6 +6,7 @@
 #include "MCMkvJobChecks.h"
 #include "MCMkvMuxer.h"
 #include "MCMkvReMuxer.h"
+#include "MCWords.h"
 
 #include <QTimer>
 
@@ -30,18 +31,18 @@ void MCEditMkvJob::startJob()
 {
     beginEditing();
     const QString &type = jobSelection->jobType;
-    if (type == QStringLiteral("AVI Track Extraction")) {
+    if (type == MCWords::jobAviTrackExtraction) {
         startTrackExtraction();
-    } else if (type == QStringLiteral("AVI Track Removal")) {
+    } else if (type == MCWords::jobAviTrackRemoval) {
         startSingleStep(std::make_shared<MCMkvMuxer>(), QStringLiteral("Removing Tracks"), expectedResult());
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditMkvJob::monitorMuxStep);
-    } else if (type == QStringLiteral("AVI Joining")) {
+    } else if (type == MCWords::jobAviJoining) {
         startSingleStep(std::make_shared<MCMkvEditor>(), QStringLiteral("Joining Videos"), expectedResult());
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditMkvJob::monitorStartJob);
-    } else if (type == QStringLiteral("AVI Splitting")) {
+    } else if (type == MCWords::jobAviSplitting) {
         startSingleStep(std::make_shared<MCMkvEditor>(), QStringLiteral("Splitting Videos"), expectedResult());
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditMkvJob::monitorMuxStep);
-    } else if (type == QStringLiteral("MKV Remux")) {
+    } else if (type == MCWords::jobMkvRemux) {
         startSingleStep(std::make_shared<MCMkvReMuxer>(), QStringLiteral("Re-Muxing MKV"), expectedResult());
         QTimer::singleShot(kMonitorDelayMs, this, &MCEditMkvJob::monitorMuxStep);
     } else {
@@ -64,7 +65,7 @@ void MCEditMkvJob::startTrackExtraction()
 
 MCResultExpectation MCEditMkvJob::expectedResult() const
 {
-    if (jobSelection->jobType == QStringLiteral("AVI Track Removal"))
+    if (jobSelection->jobType == MCWords::jobAviTrackRemoval)
         return MCResultExpectation::holding(jobSelection->keepTracksList, jobSelection->videoTrackFileURL.toLocalFile());
     // mkvmerge cuts at key frames: from the first one in the range to the
     // first one after it.

@@ -4,6 +4,7 @@
 #include "MCMediaSummary.h"
 #include "MCMkvJobChecks.h"
 #include "MCSplitRange.h"
+#include "MCWords.h"
 
 #include <QFileInfo>
 
@@ -18,9 +19,9 @@ QString MCMkvEditor::startConversionFor(const MCSelectionPtr &selection)
     doShell_ID.clear();
     if (!selection)
         return refuse(QStringLiteral("there is nothing to work on"));
-    if (selection->jobType == QStringLiteral("AVI Splitting"))
+    if (selection->jobType == MCWords::jobAviSplitting)
         return startSplitting();
-    if (selection->jobType == QStringLiteral("AVI Joining"))
+    if (selection->jobType == MCWords::jobAviJoining)
         return startJoining();
     return refuse(QStringLiteral("mkvmerge cannot do \"%1\"").arg(selection->jobType));
 }

@@ -1,6 +1,7 @@
 #include "MCMkvMuxer.h"
 
 #include "MCMkvJobChecks.h"
+#include "MCWords.h"
 
 #include <QSet>
 
@@ -30,9 +31,9 @@ QString MCMkvMuxer::startConversionFor(const MCSelectionPtr &selection)
     selection->logSelectionMuxingProperties();
     initializeFor(selection);
     QString suffix = QStringLiteral("muxed");
-    if (selection->jobType == QStringLiteral("AVI Conversion")) {
+    if (selection->jobType == MCWords::jobAviConversion) {
         tracksToMux = selection->trackList;
-    } else if (selection->jobType == QStringLiteral("AVI Track Removal")) {
+    } else if (selection->jobType == MCWords::jobAviTrackRemoval) {
         if (const QString refusal = MCMkvJobChecks::removalRefusal(*selection); !refusal.isEmpty())
             return refuse(refusal);
         tracksToMux = selection->keepTracksList;

@@ -8,6 +8,10 @@
 #include <QProcess>
 #include <QStringDecoder>
 
+#include <csignal>
+
+#include <unistd.h>
+
 namespace {
 
 // Commands run through bash: Debian's /bin/sh (dash) has no "&>".
@@ -32,18 +36,26 @@ struct ShellResult
 // QProcess drains both pipes while it waits, so a chatty tool can never
 // fill a pipe and block; the background pattern returns as soon as the
 // shell has printed the process number.
-ShellResult runShell(const QString &command, const QString &workingDirectory)
+// A time limit (in ms, -1 none) ends the shell and everything it started
+// when it is passed; the answer is then empty.
+ShellResult runShell(const QString &command, const QString &workingDirectory, int timeLimitMs = -1)
 {
     QProcess process;
     process.setProgram(kShell);
     process.setArguments({QStringLiteral("-c"), command});
     if (!workingDirectory.isEmpty())
         process.setWorkingDirectory(workingDirectory);
+    // Its own process group, so that the tool goes with the shell.
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
     process.start();
     if (!process.waitForStarted(-1))
         return {-1, {}, process.errorString().toUtf8()};
     process.closeWriteChannel();
-    process.waitForFinished(-1);
+    if (!process.waitForFinished(timeLimitMs)) {
+        ::kill(-static_cast<pid_t>(process.processId()), SIGKILL);
+        process.waitForFinished(-1);
+        return {};
+    }
     ShellResult result;
     result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     result.out = process.readAllStandardOutput();
@@ -137,12 +149,17 @@ QString MCHelpers::doUnixCommand(const QString &head, const MCOptionList &option
 
 QString MCHelpers::doShellScriptFor(const QUrl &tool, const MCOptionList &options)
 {
+    return doShellScriptFor(tool, options, -1);
+}
+
+QString MCHelpers::doShellScriptFor(const QUrl &tool, const MCOptionList &options, int timeLimitMs)
+{
     const QString command = commandFromOptions(headForTool(tool, options), options);
     // Tools start in the folder that holds Kestrane's executable folder.
     const QString workingDirectory = QCoreApplication::instance()
                                          ? QDir(QCoreApplication::applicationDirPath() + QStringLiteral("/..")).absolutePath()
                                          : QString();
-    return resultText(runShell(command, workingDirectory));
+    return resultText(runShell(command, workingDirectory, timeLimitMs));
 }
 
 QString MCHelpers::singleQuotedFormOf(const QString &text)

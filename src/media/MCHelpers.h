@@ -23,6 +23,8 @@ public:
 
     static QString doUnixCommand(const QString &head, const MCOptionList &options);
     static QString doShellScriptFor(const QUrl &tool, const MCOptionList &options);
+    // The same, answering nothing once the tool has run timeLimitMs.
+    static QString doShellScriptFor(const QUrl &tool, const MCOptionList &options, int timeLimitMs);
 
     static QString singleQuotedFormOf(const QString &text);
     static QString doubleQuotedFormOf(const QString &text);

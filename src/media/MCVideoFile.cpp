@@ -142,8 +142,15 @@ QStringList MCVideoFile::mediaInfoReportFor(const QUrl &url) const
 {
     if (!isInspectable(url))
         return {};
-    const QString report = doShellScriptFor(mediainfoURL, {QStringLiteral("-f"), url});
-    return report.isEmpty() ? QStringList() : MCMediaInfoReport::lines(report);
+    const QFileInfo file(url.toLocalFile());
+    if (m_lastReport.url == url && m_lastReport.modified == file.lastModified() && m_lastReport.size == file.size())
+        return m_lastReport.lines;
+    const QString report = doShellScriptFor(mediainfoURL, {QStringLiteral("-f"), url}, toolTimeLimitMs);
+    const QStringList lines = report.isEmpty() ? QStringList() : MCMediaInfoReport::lines(report);
+    // A failed run is tried again next time.
+    if (!lines.isEmpty())
+        m_lastReport = {url, file.lastModified(), file.size(), lines};
+    return lines;
 }
 
 void MCVideoFile::setNameFieldsFor(const QUrl &url)
@@ -258,7 +265,7 @@ bool MCVideoFile::checkForHeaderRemovalFor(const QUrl &url) const
 {
     if (!isInspectable(url))
         return false;
-    return doShellScriptFor(mkvinfoURL, {url}).contains(QStringLiteral("header removal"));
+    return doShellScriptFor(mkvinfoURL, {url}, toolTimeLimitMs).contains(QStringLiteral("header removal"));
 }
 
 MCTrackListResult MCVideoFile::makeTrackListFor(const QUrl &url) const

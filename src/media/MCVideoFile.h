@@ -3,6 +3,7 @@
 #include "MCHelpers.h"
 #include "MCVideoTrack.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -65,6 +66,8 @@ public:
 
     QUrl mediainfoURL; // resource folder + "/mediainfo"
     QUrl mkvinfoURL;   // resource folder + "/mkvinfo"
+    // How long the inspecting tools may run; a file they hang on is not a video.
+    int toolTimeLimitMs = 30000;
 
     void initialize();
     void setFileDefaultPropertyValues();
@@ -92,11 +95,26 @@ public:
 
     // mediainfo's full report of a file, split into lines; empty for
     // anything that is not a readable regular file.
+    // The last report read is kept: a file asked about and then loaded is
+    // inspected once.
     QStringList mediaInfoReportFor(const QUrl &url) const;
+    // Takes over the report another file object read last (the loaded file
+    // was asked what to do with a new one, which then loads).
+    void takeReportFrom(const MCVideoFile &other) { m_lastReport = other.m_lastReport; }
 
     // The extensions of subtitle files that are added whole.
     static const QStringList &subtitleFileExtensions();
 
 private:
+    struct Report
+    {
+        QUrl url;
+        QDateTime modified;
+        qint64 size = -1;
+        QStringList lines;
+    };
+
     void takeVideoTrackProperties();
+
+    mutable Report m_lastReport;
 };

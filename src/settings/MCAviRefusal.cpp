@@ -1,8 +1,11 @@
 #include "MCAviRefusal.h"
 
 #include "MCContainers.h"
+#include "MCHelpers.h"
 #include "MCTextNumbers.h"
+#include "MCWords.h"
 
+#include <QFileInfo>
 #include <QHash>
 
 using MCTextNumbers::integerValue;
@@ -104,8 +107,25 @@ QString MCAviRefusal::audioReason(const MCVideoTrack &audio)
 
 QString MCAviRefusal::subtitleReason(const MCSelection &selection, const MCVideoTrack &video)
 {
-    const MCVideoTrackPtr subtitle = firstOfType(selection, {QStringLiteral("Subtitle"), QStringLiteral("External Subtitle")});
+    const MCVideoTrackPtr subtitle = firstOfType(selection, {MCWords::trackSubtitle, QStringLiteral("External Subtitle")});
     if (subtitle && subtitle->userCodec == QLatin1String("burn") && video.userCodec == kPassthru)
         return QStringLiteral("Burning a subtitle needs the video re-encoded: choose MPEG-4, or extract the subtitle.");
+    if (subtitle && subtitle->trackType == MCWords::trackSubtitle && subtitle->userCodec == QLatin1String("extract"))
+        return extractionReason(subtitle->trackFileExtension.toLower());
     return {};
+}
+
+QString MCAviRefusal::extractionReason(const QString &container)
+{
+    // mkvextract reads Matroska and MP4Box reads MP4; no tool here takes a
+    // subtitle out of any other container.
+    if (container == QLatin1String("mkv"))
+        return {};
+    if (container == QLatin1String("mp4") || container == QLatin1String("m4v")) {
+        if (QFileInfo::exists(MCHelpers::urlOfApp(QStringLiteral("mp4box")).toLocalFile()))
+            return {};
+        return QStringLiteral("Extracting the subtitle of an MP4 file needs MP4Box, which is not installed: "
+                              "burn the subtitle in, or leave it out.");
+    }
+    return QStringLiteral("Kestrane cannot extract a subtitle from a .%1 file: burn it in, or leave it out.").arg(container);
 }

@@ -21,4 +21,6 @@ private:
     static QString videoReason(const MCSelection &selection, const MCVideoTrack &video, bool typedBitRateValid);
     static QString audioReason(const MCVideoTrack &audio);
     static QString subtitleReason(const MCSelection &selection, const MCVideoTrack &video);
+    // Why a subtitle cannot be extracted from a file of this container.
+    static QString extractionReason(const QString &container);
 };

@@ -2,6 +2,7 @@
 
 #include "MCSelectionController.h"
 #include "MCTextNumbers.h"
+#include "MCWords.h"
 
 #include <algorithm>
 #include <cmath>
@@ -69,6 +70,15 @@ void MCPresetSettings::initializeAsRemove()
     pName = QStringLiteral("Remove Tracks");
     pTypeOfProcessIndex = 2;
     isEditable = false;
+}
+
+QString MCPresetSettings::tabName() const
+{
+    if (pName == QLatin1String("Manual"))
+        return {};
+    if (pTypeOfProcessIndex == 0)
+        return MCWords::tabAvi;
+    return pTypeOfProcessIndex == 1 ? MCWords::tabEditTracks : QString();
 }
 
 void MCPresetSettings::initializeAsNewUserPreset()
@@ -177,13 +187,13 @@ void MCPresetSettings::makeSettings()
     MCSelectionController &rules = *selectionController;
     if (pTypeOfProcessIndex != 0) {
         if (pTypeOfProcessIndex == 1) {
-            rules.setCurrentTab(MCSelectionController::tabEditTracks);
+            rules.setCurrentTab(MCWords::tabEditTracks);
             rules.setEditTrackMatrixIndex(0);
         }
         rules.clearTrackTableHighlight();
         return;
     }
-    rules.setCurrentTab(MCSelectionController::tabAvi);
+    rules.setCurrentTab(MCWords::tabAvi);
     if (!currentVideoFile || currentVideoFile->trackList.isEmpty())
         return;
     rules.setMp4Device(pDevice);

@@ -51,6 +51,9 @@ public:
     void initializeAsRemove();        // "Remove Tracks"
     void initializeAsNewUserPreset(); // "User Preset"
 
+    // The tab the preset works in; empty when it leaves the tab alone.
+    QString tabName() const;
+
     QVariantMap makeRecord() const;
     void initFromRecord(const QVariantMap &record);
 

@@ -3,6 +3,7 @@
 #include "MCLog.h"
 #include "MCVideoFile.h"
 
+#include <QFileInfo>
 #include <QHash>
 
 namespace {
@@ -330,4 +331,20 @@ void MCSelection::logSelectionProperties() const
 void MCSelection::logSelectionMuxingProperties() const
 {
     logSelection(*this, [](const MCVideoTrack &track) { track.logMuxingTrackProperties(); });
+}
+
+QStringList MCSelection::sourcePaths() const
+{
+    QStringList paths{videoTrackFileURL.toLocalFile(), videoTrackFilePath};
+    for (const QUrl &url : editFilesURLsList)
+        paths << url.toLocalFile();
+    for (const MCTrackList &list : {trackList, addedAudioTrackList, keepTracksList}) {
+        for (const MCVideoTrackPtr &track : list) {
+            if (track)
+                paths << track->trackFileURL.toLocalFile() << track->trackFilePath;
+        }
+    }
+    for (QString &path : paths)
+        path = QFileInfo(path).absoluteFilePath();
+    return paths;
 }

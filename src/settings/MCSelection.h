@@ -94,6 +94,9 @@ public:
     void initializeSplitDurationForTimeText(const QString &text);
 
     void logSelectionProperties() const;
+    // Every file the selection reads, as absolute paths: its sources, the
+    // files to edit and each track's own file.
+    QStringList sourcePaths() const;
     void logSelectionMuxingProperties() const;
 
     // (name, value) pairs of the logged fields in log order, flags as 0 or 1.

@@ -1,6 +1,7 @@
 #include "MCSelectionController.h"
 
 #include "MCAviRefusal.h"
+#include "MCEditTabRules.h"
 #include "MCNotificationCenter.h"
 #include "MCPresetsController.h"
 #include "MCTextNumbers.h"
@@ -13,9 +14,9 @@ using MCTextNumbers::integerValue;
 
 namespace {
 
-const QString kVideo = QStringLiteral("Video");
-const QString kAudio = QStringLiteral("Audio");
-const QString kSubtitle = QStringLiteral("Subtitle");
+const QString &kVideo = MCWords::trackVideo;
+const QString &kAudio = MCWords::trackAudio;
+const QString &kSubtitle = MCWords::trackSubtitle;
 const QString kExternalSubtitle = QStringLiteral("External Subtitle");
 const QString kPassthru = QStringLiteral("passthru");
 
@@ -124,9 +125,9 @@ void MCSelectionController::updateTabs()
     if (m_currentTab == tabAvi)
         updateAviTab();
     else if (m_currentTab == tabEditFiles)
-        updateEditFilesTab();
+        MCEditTabRules(*this).updateEditFilesTab();
     else if (m_currentTab == tabEditTracks)
-        updateEditTracksTab();
+        MCEditTabRules(*this).updateEditTracksTab();
     appIsUpdatingTabs = false;
     emit stateChanged();
 }
@@ -175,7 +176,7 @@ QString MCSelectionController::decideAviTab()
                               "(selected: %1 video, %2 audio, %3 subtitle).")
             .arg(selection.vidCount, selection.audCount, selection.subCount);
     }
-    selection.jobType = QStringLiteral("AVI Conversion");
+    selection.jobType = MCWords::jobAviConversion;
     const MCTrackList selected = selection.trackList;
     for (const MCVideoTrackPtr &track : selected)
         applyAviRowsTo(*track);
@@ -249,66 +250,6 @@ void MCSelectionController::applyAudioRowTo(MCVideoTrack &track)
     }
 }
 
-void MCSelectionController::updateEditFilesTab()
-{
-    MCSelection &selection = *m_currentSelection;
-    setStatus(QStringLiteral("Drop AVI video file(s) in the table below to edit them at the file level."), colorBlack);
-    canJoin = selection.editFilesURLsList.size() >= 2;
-    if (selection.editFilesURLsList.isEmpty()) {
-        canEditPAR = canSplit = false;
-        return;
-    }
-    canEditPAR = canSplit = true;
-    if (splitTypeMatrixIndex == 0) {
-        selection.splitType = QStringLiteral("time");
-        canSplit = integerValue(selection.splitStartTimeSeconds) < integerValue(selection.splitEndTimeSeconds);
-    } else if (splitTypeMatrixIndex == 1) {
-        selection.splitType = QStringLiteral("size");
-        canSplit = integerValue(m_enteredSplitSize) != 0 && integerValue(m_enteredSplitNumber) != 0;
-    }
-}
-
-void MCSelectionController::updateEditTracksTab()
-{
-    MCSelection &selection = *m_currentSelection;
-    if (fileTracks().isEmpty()) {
-        setStatus(QStringLiteral("Drop AVI video file(s) in the table below to edit them at the track level."),
-                  colorBlack);
-        return;
-    }
-    if (m_currentVideoFile->theFileExtension.toLower() != QLatin1String("avi")) {
-        canEditTracks = false;
-        trackTableEnabled = false;
-        setStatus(QStringLiteral("Kestrane can only edit the tracks of AVI videos."), colorRed);
-        return;
-    }
-    trackTableEnabled = true;
-    setStatus(m_currentVideoFile->theFilePath, colorBlack);
-    if (integerValue(selection.vidCount) != 1 && integerValue(selection.audCount) < 1
-        && integerValue(selection.subCount) < 1) {
-        canEditTracks = false;
-        return;
-    }
-    canEditTracks = true;
-    const MCTrackList selected = selection.trackList;
-    if (m_editTrackMatrixIndex == 0) {
-        selection.jobType = QStringLiteral("AVI Track Extraction");
-        // Added tracks cannot be extracted.
-        for (const MCVideoTrackPtr &track : selected) {
-            if (track->externalTrackFlag) {
-                canEditTracks = false;
-                break;
-            }
-            canEditTracks = true;
-        }
-    } else if (m_editTrackMatrixIndex == 1) {
-        selection.jobType = QStringLiteral("AVI Track Addition");
-        // The last selected track decides.
-        for (const MCVideoTrackPtr &track : selected)
-            canEditTracks = track->trackType == kAudio && track->externalTrackFlag;
-    }
-}
-
 // ---------------------------------------------------------------------------
 // Track selection
 
@@ -348,6 +289,14 @@ void MCSelectionController::trackTableSelectionChanged(const QString &sender)
     if (sender == senderTrackTable)
         m_presetsController->setSelectionMethodIndex(0);
     m_presetsController->applyCurrentPresetSettings();
+}
+
+void MCSelectionController::chooseTracks(const QList<int> &positions)
+{
+    const MCTrackList tracks = fileTracks();
+    for (qsizetype i = 0; i < tracks.size(); ++i)
+        tracks.at(i)->trackSelected = positions.contains(static_cast<int>(i + 1));
+    trackTableSelectionChanged(senderTrackTable);
 }
 
 void MCSelectionController::toggleAll(const QStringList &lowerTypes, const QString &selectedCount,
@@ -439,6 +388,12 @@ void MCSelectionController::setAddStereoTrackButton(int state)
     // The copies are rebuilt once the check box has settled.
     QTimer::singleShot(0, this, [this] { trackTableSelectionChanged(QStringLiteral("from setAddStereoTrackButton")); });
     emit stateChanged();
+}
+
+void MCSelectionController::chooseStereoCopy(bool wanted)
+{
+    setAddStereoTrackButton(wanted ? 1 : 0);
+    trackTableSelectionChanged(QStringLiteral("from setAddStereoTrackButton"));
 }
 
 void MCSelectionController::setMp4Device(const QString &device)
@@ -591,17 +546,32 @@ void MCSelectionController::notificationHub(const MCNotification &notification)
         return;
     const QString text = notification.object.toString();
     const QString field = notification.userInfo.value(QStringLiteral("textFieldID")).toString();
-    MCSelection &selection = *m_currentSelection;
-    if (field == QLatin1String("startTimeTextField")) {
-        enteredSplitStartTime = text;
-        selection.initializeSplitForStartTime(text, std::nullopt);
-    } else if (field == QLatin1String("endTimeTextField")) {
-        enteredSplitEndTime = text;
-        selection.initializeSplitForStartTime(std::nullopt, text);
-    } else if (field == QLatin1String("durationTimeTextField")) {
-        enteredSplitDuration = text;
-        selection.initializeSplitDurationForTimeText(text);
-    }
+    if (field == QLatin1String("startTimeTextField"))
+        setSplitStartTime(text);
+    else if (field == QLatin1String("endTimeTextField"))
+        setSplitEndTime(text);
+    else if (field == QLatin1String("durationTimeTextField"))
+        setSplitDuration(text);
+}
+
+void MCSelectionController::setSplitStartTime(const QString &text)
+{
+    enteredSplitStartTime = text;
+    m_currentSelection->initializeSplitForStartTime(text, std::nullopt);
+    updateTabs();
+}
+
+void MCSelectionController::setSplitEndTime(const QString &text)
+{
+    enteredSplitEndTime = text;
+    m_currentSelection->initializeSplitForStartTime(std::nullopt, text);
+    updateTabs();
+}
+
+void MCSelectionController::setSplitDuration(const QString &text)
+{
+    enteredSplitDuration = text;
+    m_currentSelection->initializeSplitDurationForTimeText(text);
     updateTabs();
 }
 

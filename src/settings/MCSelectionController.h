@@ -2,6 +2,7 @@
 
 #include "MCSelection.h"
 #include "MCVideoFile.h"
+#include "MCWords.h"
 
 #include <QObject>
 #include <QString>
@@ -81,9 +82,9 @@ class MCSelectionController : public QObject
     Q_PROPERTY(int splitTypeMatrixIndex MEMBER splitTypeMatrixIndex NOTIFY stateChanged)
 
 public:
-    static inline const QString tabAvi = QStringLiteral("AVI");
-    static inline const QString tabEditFiles = QStringLiteral("Edit Files");
-    static inline const QString tabEditTracks = QStringLiteral("Edit Tracks");
+    static inline const QString &tabAvi = MCWords::tabAvi;
+    static inline const QString &tabEditFiles = MCWords::tabEditFiles;
+    static inline const QString &tabEditTracks = MCWords::tabEditTracks;
     // The sender a click on the track table passes: the user overrides the
     // track-selection preset by hand.
     static inline const QString senderTrackTable = QStringLiteral("trackTableView");
@@ -110,6 +111,17 @@ public:
     Q_INVOKABLE void trackTableSelectionChanged(const QString &sender = {});
     // Time field changes, as posted by the split time fields.
     void notificationHub(const MCNotification &notification);
+
+    // What a front end without the window's controls sets directly.
+    // The tracks at these 1-based positions of the file, chosen by hand:
+    // the track preset no longer applies.
+    void chooseTracks(const QList<int> &positions);
+    // The split range, HH:MM:SS (the end or the duration gives its length).
+    void setSplitStartTime(const QString &text);
+    void setSplitEndTime(const QString &text);
+    void setSplitDuration(const QString &text);
+    // The stereo-copy choice, with the copies rebuilt at once.
+    void chooseStereoCopy(bool wanted);
 
     // Select-all buttons: select every track of the kind, or clear them all
     // when all are selected already.
@@ -225,8 +237,6 @@ private:
     QString decideAviTab();
     void applyAviRowsTo(MCVideoTrack &track);
     void applyAudioRowTo(MCVideoTrack &track);
-    void updateEditFilesTab();
-    void updateEditTracksTab();
     void toggleAll(const QStringList &lowerTypes, const QString &selectedCount, const QString &fileCount);
     MCVideoTrackPtr chosenAudioTrack(int index) const;
     void typedFieldChanged();

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -144,7 +145,7 @@ TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
     app->presetsController->setSelectionMethodIndex(1);
     app->presetsController->setSettingMethodIndex(2);
     open(QStringLiteral("AVI"), QStringLiteral("drag"), {unknown, second});
-    app->startProcess(QStringLiteral("Convert"));
+    app->startJob();
     ASSERT_TRUE(testsupport::waitUntil([&] { return !queued.isEmpty(); }, 3000)) << alertTexts().join(u'\n').toStdString();
     testsupport::waitUntil([] { return false; }, 300);
     ASSERT_EQ(queued.size(), 1);
@@ -196,7 +197,7 @@ TEST_F(AppDelegateTest, StartChecksTheSaveFolderAndBatchesNeedPresets)
     const QString notes = writeFile(QStringLiteral("batch.txt"), "text\n");
     open(QStringLiteral("AVI"), QStringLiteral("drag"), {avi(), notes, second});
     alerts->alerts.clear();
-    app->startProcess(QStringLiteral("Convert"));
+    app->startJob();
     ASSERT_EQ(alerts->alerts.size(), 1);
     EXPECT_EQ(alerts->alerts.first().message,
               QStringLiteral("You must use a preset other than \"Manual\" for both the settings pop up and the track selections pop up "
@@ -209,7 +210,7 @@ TEST_F(AppDelegateTest, StartChecksTheSaveFolderAndBatchesNeedPresets)
     QList<QUrl> skipped;
     QObject::connect(app.get(), &MCAppDelegate::batchFileSkipped, [&](const QUrl &file, const QString &) { skipped << file; });
     alerts->alerts.clear();
-    app->startProcess(QStringLiteral("Convert"));
+    app->startJob();
     EXPECT_EQ(queued.size(), 1);
     EXPECT_TRUE(testsupport::waitUntil([&] { return queued.size() == 2; }, 5000));
     EXPECT_EQ(queued.last()->videoTrackFilePath, second);
@@ -219,7 +220,7 @@ TEST_F(AppDelegateTest, StartChecksTheSaveFolderAndBatchesNeedPresets)
     // An unwritable save folder stops the start before anything is queued.
     queued.clear();
     app->appPreferences->saveDirectoryURL = url(settingsDir.path() + QStringLiteral("/missing"));
-    app->startProcess(QStringLiteral("Convert"));
+    app->startJob();
     ASSERT_EQ(alerts->alerts.size(), 1);
     EXPECT_EQ(alerts->alerts.first().message, QStringLiteral("Kestrane does not have permision to write to the save folder for this job."));
     EXPECT_EQ(alerts->alerts.first().informativeText,
@@ -252,7 +253,7 @@ TEST_F(AppDelegateTest, QuitWithARunningJobPausesAndCancelKeepsItPaused)
     app->selectionController->setVideoMatrixIndex(2);
     app->selectionController->setEnteredUserVideoBitRate(QStringLiteral("800"));
     app->selectionController->updateTabs();
-    app->startProcess(QStringLiteral("Convert"));
+    app->startJob();
     MCQueueController *queue = app->queueController;
     ASSERT_TRUE(testsupport::waitUntil([&] { return queue->currentJob() && !queue->currentJob()->stepPIDList().isEmpty(); }, 20000));
     const QString pid = queue->currentJob()->stepPIDList().first();
@@ -273,4 +274,34 @@ TEST_F(AppDelegateTest, QuitWithARunningJobPausesAndCancelKeepsItPaused)
     EXPECT_TRUE(*quit);
     EXPECT_TRUE(queue->qJobList().isEmpty());
     EXPECT_FALSE(MCHelpers::processIsRunning(pid));
+}
+
+TEST(AppDelegateIntake, ADroppedFileIsInspectedOnce)
+{
+    // The resource folder of the tests, with a mediainfo that counts its runs.
+    QTemporaryDir resources;
+    const QByteArray real = qgetenv("KESTRANE_RESOURCES");
+    const QDir realDir(QString::fromUtf8(real));
+    testsupport::resourcesWithout(resources.path(), QStringLiteral("mediainfo"));
+    const QString count = resources.filePath(QStringLiteral("runs"));
+    QFile counting(resources.filePath(QStringLiteral("mediainfo")));
+    ASSERT_TRUE(counting.open(QIODevice::WriteOnly));
+    counting.write(QStringLiteral("#!/bin/sh\necho run >> '%1'\nexec '%2' \"$@\"\n").arg(count, realDir.filePath(QStringLiteral("mediainfo"))).toUtf8());
+    counting.close();
+    counting.setPermissions(counting.permissions() | QFileDevice::ExeOwner);
+    qputenv("KESTRANE_RESOURCES", resources.path().toUtf8());
+
+    QTemporaryDir settingsDir;
+    const auto alerts = testsupport::recordAlerts();
+    MCAppDelegate app(settingsWithCopyPreset(settingsDir.path()));
+    app.applicationDidFinishLaunching();
+    app.queueSelection = [](const MCSelectionPtr &) {};
+    app.openFiles(QStringLiteral("AVI"), {url(avi())});
+    app.openFiles(QStringLiteral("AVI"), {url(avi(QStringLiteral("second.avi")))});
+    qputenv("KESTRANE_RESOURCES", real);
+
+    EXPECT_EQ(app.currentVideoFile->theFilePath, avi(QStringLiteral("second.avi")));
+    QFile runs(count);
+    ASSERT_TRUE(runs.open(QIODevice::ReadOnly));
+    EXPECT_EQ(runs.readAll().count("run"), 2);
 }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "MCPreferences.h"
 #include "TestSupport.h"
+
+#include <gtest/gtest.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -92,3 +95,23 @@ inline QStringList entriesIn(const QString &dir)
 {
     return QDir(dir).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
+
+// A run of kestrane-cli on a settings file of its own (no logs kept) that
+// writes into a folder of its own.
+class CliTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        settings = settingsDir.path() + QStringLiteral("/kestrane.ini");
+        MCPreferences preferences(settings);
+        preferences.keepLogsFlag = false;
+        preferences.savePreferencesToDefaults();
+    }
+
+    QStringList common() const { return {QStringLiteral("--settings"), settings, QStringLiteral("--save-dir"), saveDir.path()}; }
+
+    QTemporaryDir settingsDir;
+    QTemporaryDir saveDir;
+    QString settings;
+};

@@ -35,28 +35,19 @@ QVariantMap quickPreset()
             {QStringLiteral("isEditable"), true}};
 }
 
-class CliJobs : public ::testing::Test
+class CliJobs : public CliTest
 {
 protected:
     void SetUp() override
     {
-        settings = settingsDir.path() + QStringLiteral("/kestrane.ini");
-        MCPreferences preferences(settings);
-        preferences.keepLogsFlag = false;
-        preferences.savePreferencesToDefaults();
-        preferences.saveUserPresetSettingsListFor({quickPreset()});
+        CliTest::SetUp();
+        MCPreferences(settings).saveUserPresetSettingsListFor({quickPreset()});
     }
-
-    QStringList common() const { return {QStringLiteral("--settings"), settings, QStringLiteral("--save-dir"), saveDir.path()}; }
 
     QStringList outputsEndingWith(const QString &suffix) const
     {
         return filesIn(saveDir.path()).filter(QRegularExpression(QRegularExpression::escape(suffix) + QLatin1Char('$')));
     }
-
-    QTemporaryDir settingsDir;
-    QTemporaryDir saveDir;
-    QString settings;
 };
 
 } // namespace

@@ -140,16 +140,6 @@ TEST(MainWindowScreen, OpensWithinTheScreenWhateverSizeWasSaved)
     guitest::forgetSavedSettings();
 }
 
-TEST(ProgressDelegate, ReadsTheTrailingPercentageOnly)
-{
-    EXPECT_EQ(MCProgressDelegate::percentageIn(QStringLiteral("Pass #2: 37%")), 37);
-    EXPECT_EQ(MCProgressDelegate::percentageIn(QStringLiteral("99.6%")), 99);
-    EXPECT_EQ(MCProgressDelegate::percentageIn(QStringLiteral("140%")), 100);
-    EXPECT_FALSE(MCProgressDelegate::percentageIn(QStringLiteral("Complete")));
-    EXPECT_FALSE(MCProgressDelegate::percentageIn(QStringLiteral("Pass 1 Complete")));
-    EXPECT_FALSE(MCProgressDelegate::percentageIn(QString()));
-}
-
 TEST(GuiAlertPresenter, ButtonsAnswerInOrderAndTimeOutAnswersTheFirst)
 {
     QWidget window;

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -196,4 +197,28 @@ TEST_F(MCVideoFileInspection, AwkwardNamesAreInspectedAndNeverRun)
     EXPECT_TRUE(mkv.headerRemovalFlag);
     qunsetenv("KESTRANE_CANARY");
     EXPECT_FALSE(QFileInfo::exists(canary));
+}
+
+TEST_F(MCVideoFileInspection, AToolThatHangsMakesTheFileNotAVideoInTime)
+{
+    MCVideoFile file;
+    ASSERT_EQ(file.initializeForURL(url(QStringLiteral("clip.avi"))), QStringLiteral("OK"));
+    // A mediainfo that never answers (a stalled network share does this).
+    const QString hanging = dir->path() + QStringLiteral("/hanging-mediainfo");
+    QFile script(hanging);
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\nsleep 60\n");
+    script.close();
+    script.setPermissions(script.permissions() | QFileDevice::ExeOwner);
+    file.mediainfoURL = QUrl::fromLocalFile(hanging);
+    file.toolTimeLimitMs = 500;
+
+    QElapsedTimer clock;
+    clock.start();
+    const QString other = copyOfClipNamed(QStringLiteral("unanswered.avi"));
+    EXPECT_EQ(file.initializeForURL(QUrl::fromLocalFile(other)), QStringLiteral("not a video"));
+    EXPECT_LT(clock.elapsed(), 30000);
+    QString left;
+    testsupport::run(QStringLiteral("pgrep -f '%1'").arg(hanging), &left);
+    EXPECT_TRUE(left.trimmed().isEmpty()) << "still running: " << left.toStdString();
 }

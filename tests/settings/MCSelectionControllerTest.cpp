@@ -3,6 +3,9 @@
 #include "TestSupport.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -66,7 +69,9 @@ TEST(MCSelectionControllerTest, ChoicesTheToolsCannotDoAreRefusedWithAReason)
         const char *typedBitRate;
         const char *refusal; // part of the reason; nullptr: may convert
         const char *extension = "avi";
+        int subtitleRow = 0; // burn
     };
+    const QList<TrackShape> withSubtitle{{"Video", "mpeg4"}, {"Audio", "mp3", "2"}, {"Subtitle", "srt"}};
     const Case cases[] = {
         {"AAC passed through", {{"Video", "mpeg4"}, {"Audio", "aac", "2"}}, 0, 0, "1000", "cannot hold AAC audio as it is: choose MP3."},
         {"AAC made MP3", {{"Video", "mpeg4"}, {"Audio", "aac", "2"}}, 0, 1, "1000", nullptr},
@@ -88,6 +93,13 @@ TEST(MCSelectionControllerTest, ChoicesTheToolsCannotDoAreRefusedWithAReason)
         {"MPEG-2 passed through from a VOB", {{"Video", "mpeg2"}, {"Audio", "ac3", "6"}}, 0, 0, "1000", nullptr, "vob"},
         {"two audio tracks", {{"Video", "h264"}, {"Audio", "mp3", "2"}, {"Audio", "ac3", "6"}}, 0, 0, "1000",
          "(selected: 1 video, 2 audio, 0 subtitle)"},
+        // No tool takes a subtitle out of these: the AVI would be written and
+        // the job still fail on the subtitle.
+        {"extracting a subtitle of an AVI", withSubtitle, 0, 0, "1000", "cannot extract a subtitle from a .avi file", "avi", 1},
+        {"extracting a subtitle of a TS", withSubtitle, 0, 0, "1000", "from a .ts file: burn it in", "ts", 1},
+        {"extracting a subtitle of an OGM", withSubtitle, 0, 0, "1000", "from a .ogm file", "ogm", 1},
+        {"extracting a subtitle of an MKV", withSubtitle, 0, 0, "1000", nullptr, "mkv", 1},
+        {"burning a subtitle of a TS", withSubtitle, 1, 0, "1000", nullptr, "ts", 0},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.what);
@@ -98,6 +110,7 @@ TEST(MCSelectionControllerTest, ChoicesTheToolsCannotDoAreRefusedWithAReason)
         r.load(file);
         r.rules.setVideoMatrixIndex(c.videoRow);
         r.rules.setAudioMatrixIndex(c.audioRow);
+        r.rules.setSubtitleMatrixIndex(c.subtitleRow);
         r.rules.setEnteredUserVideoBitRate(QString::fromLatin1(c.typedBitRate));
         EXPECT_EQ(r.rules.canConvert, c.refusal == nullptr);
         if (c.refusal)
@@ -106,6 +119,32 @@ TEST(MCSelectionControllerTest, ChoicesTheToolsCannotDoAreRefusedWithAReason)
         else
             EXPECT_EQ(r.rules.convertRefusalText(), QString());
     }
+}
+
+TEST(MCSelectionControllerTest, Mp4SubtitleExtractionNeedsMp4Box)
+{
+    QTemporaryDir noTools;
+    const QByteArray resources = qgetenv("KESTRANE_RESOURCES");
+    const auto decide = [] {
+        Rules r;
+        r.load(makeFile({{"Video", "mpeg4"}, {"Audio", "mp3", "2"}, {"Subtitle", "tx3g"}}, QStringLiteral("mp4")));
+        r.rules.setSubtitleMatrixIndex(1);
+        r.rules.updateTabs();
+        return r.rules.convertRefusalText();
+    };
+    qputenv("KESTRANE_RESOURCES", noTools.path().toUtf8());
+    const QString without = decide();
+    QDir(noTools.path()).mkpath(QStringLiteral("mp4boxUpdated"));
+    QFile tool(noTools.path() + QStringLiteral("/mp4boxUpdated/MP4box"));
+    ASSERT_TRUE(tool.open(QIODevice::WriteOnly));
+    tool.close();
+    const QString with = decide();
+    if (resources.isNull())
+        qunsetenv("KESTRANE_RESOURCES");
+    else
+        qputenv("KESTRANE_RESOURCES", resources);
+    EXPECT_TRUE(without.contains(QStringLiteral("needs MP4Box"))) << without.toStdString();
+    EXPECT_EQ(with, QString());
 }
 
 TEST(MCSelectionControllerTest, RefusalIsAnnouncedAndLiftedWithTheChoice)

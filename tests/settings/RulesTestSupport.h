@@ -50,6 +50,7 @@ inline std::shared_ptr<MCVideoFile> makeFile(const QList<TrackShape> &tracks,
     int videos = 0, audios = 0, subtitles = 0;
     for (const TrackShape &shape : tracks) {
         file->trackList.append(makeTrack(shape));
+        file->trackList.last()->trackFileExtension = extension;
         const QString type = QString::fromLatin1(shape.type);
         videos += type == QLatin1String("Video");
         audios += type == QLatin1String("Audio");

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QThread>
@@ -76,6 +77,16 @@ QString mediaInfo(const QString &path, const QString &kind, const QString &param
     // QString::arg has no "%%" escape: "%%2%" becomes "%Width%".
     run(QStringLiteral("mediainfo --Inform='%1;%%2%\\n' '%3'").arg(kind, parameter, path), &output);
     return output.section(QLatin1Char('\n'), 0, 0).trimmed();
+}
+
+QString resourcesWithout(const QString &into, const QString &left)
+{
+    const QDir real(qEnvironmentVariable("KESTRANE_RESOURCES"));
+    for (const QString &entry : real.entryList(QDir::AllEntries | QDir::NoDotAndDotDot)) {
+        if (entry != left)
+            QFile::link(real.filePath(entry), into + QLatin1Char('/') + entry);
+    }
+    return into;
 }
 
 } // namespace testsupport

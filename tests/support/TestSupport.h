@@ -42,6 +42,11 @@ QString readTestData(const QString &relative);
 // e.g. mediaInfo(path, "Video", "Width") (plain, no --Legacy).
 QString mediaInfo(const QString &path, const QString &kind, const QString &parameter);
 
+// Fills a folder with links to everything in the tests' resource folder but
+// the entry named left, so a test can leave a tool out or put its own in.
+// Answers the folder.
+QString resourcesWithout(const QString &into, const QString &left);
+
 } // namespace testsupport
 
 // Lets GoogleTest print Qt texts in failure messages.

@@ -1,0 +1,79 @@
+#include "MCEditTabRules.h"
+
+#include "MCSelectionController.h"
+#include "MCTextNumbers.h"
+#include "MCWords.h"
+
+using MCTextNumbers::integerValue;
+
+MCEditTabRules::MCEditTabRules(MCSelectionController &rules)
+    : m_rules(rules)
+{
+}
+
+void MCEditTabRules::setStatus(const QString &text, const QString &color)
+{
+    m_rules.statusText = text;
+    m_rules.statusColor = color;
+}
+
+void MCEditTabRules::updateEditFilesTab()
+{
+    MCSelection &selection = *m_rules.currentSelection();
+    setStatus(QStringLiteral("Drop AVI video file(s) in the table below to edit them at the file level."), MCSelectionController::colorBlack);
+    m_rules.canJoin = selection.editFilesURLsList.size() >= 2;
+    if (selection.editFilesURLsList.isEmpty()) {
+        m_rules.canEditPAR = m_rules.canSplit = false;
+        return;
+    }
+    m_rules.canEditPAR = m_rules.canSplit = true;
+    if (m_rules.splitTypeMatrixIndex == 0) {
+        selection.splitType = QStringLiteral("time");
+        m_rules.canSplit = integerValue(selection.splitStartTimeSeconds) < integerValue(selection.splitEndTimeSeconds);
+    } else if (m_rules.splitTypeMatrixIndex == 1) {
+        selection.splitType = QStringLiteral("size");
+        m_rules.canSplit = integerValue(m_rules.enteredSplitSize()) != 0 && integerValue(m_rules.enteredSplitNumber()) != 0;
+    }
+}
+
+void MCEditTabRules::updateEditTracksTab()
+{
+    const MCVideoFile &file = *m_rules.currentVideoFile();
+    MCSelection &selection = *m_rules.currentSelection();
+    if (file.trackList.isEmpty()) {
+        setStatus(QStringLiteral("Drop AVI video file(s) in the table below to edit them at the track level."),
+                  MCSelectionController::colorBlack);
+        return;
+    }
+    if (file.theFileExtension.toLower() != QLatin1String("avi")) {
+        m_rules.canEditTracks = false;
+        m_rules.trackTableEnabled = false;
+        setStatus(QStringLiteral("Kestrane can only edit the tracks of AVI videos."), MCSelectionController::colorRed);
+        return;
+    }
+    m_rules.trackTableEnabled = true;
+    setStatus(file.theFilePath, MCSelectionController::colorBlack);
+    if (integerValue(selection.vidCount) != 1 && integerValue(selection.audCount) < 1
+        && integerValue(selection.subCount) < 1) {
+        m_rules.canEditTracks = false;
+        return;
+    }
+    m_rules.canEditTracks = true;
+    const MCTrackList selected = selection.trackList;
+    if (m_rules.editTrackMatrixIndex() == 0) {
+        selection.jobType = MCWords::jobAviTrackExtraction;
+        // Added tracks cannot be extracted.
+        for (const MCVideoTrackPtr &track : selected) {
+            if (track->externalTrackFlag) {
+                m_rules.canEditTracks = false;
+                break;
+            }
+            m_rules.canEditTracks = true;
+        }
+    } else if (m_rules.editTrackMatrixIndex() == 1) {
+        selection.jobType = MCWords::jobAviTrackAddition;
+        // The last selected track decides.
+        for (const MCVideoTrackPtr &track : selected)
+            m_rules.canEditTracks = track->trackType == MCWords::trackAudio && track->externalTrackFlag;
+    }
+}
