@@ -279,6 +279,11 @@ QWidget *MCMainWindow::buildAviTab()
     auto *subtitleLayout = new QVBoxLayout(subtitles);
     subtitleMatrix = radioGroup(subtitles, subtitleLayout, {QStringLiteral("Burn into video"), QStringLiteral("Extract to file")});
     subtitleLayout->addStretch();
+    convertRefusalLabel = new QLabel(subtitles);
+    convertRefusalLabel->setWordWrap(true);
+    convertRefusalLabel->setVisible(false);
+    setColorName(convertRefusalLabel, QStringLiteral("red"));
+    subtitleLayout->addWidget(convertRefusalLabel);
     convertButton = new QPushButton(QStringLiteral("Convert"), subtitles);
     convertButton->setDefault(true);
     subtitleLayout->addWidget(convertButton, 0, Qt::AlignRight);

@@ -53,6 +53,8 @@ public:
     QLineEdit *vidBitRateField, *resWidthField;
     QComboBox *fpsCombo, *devicePopUp, *audioTrackPopUp, *audioBitRatePopUp;
     QLabel *audioTrackLabel;
+    // Why Convert is disabled for a selection the tools cannot turn into an AVI.
+    QLabel *convertRefusalLabel;
     QCheckBox *addStereoCheckBox;
     QPushButton *convertButton;
     // Edit Files tab

@@ -346,6 +346,10 @@ void MCWindowBinding::refreshAviTab()
     w->subtitleMatrix->button(0)->setEnabled(r.subtitleSelected && r.canBurnSubtitles);
     w->subtitleMatrix->button(1)->setEnabled(r.subtitleSelected && r.canMuxSubtitles);
     w->convertButton->setEnabled(r.canConvert && !videoBitRateMissing(r));
+    // Said where the user looks for the button, not only in a tooltip.
+    const QString refusal = r.convertRefusalText();
+    w->convertRefusalLabel->setText(refusal);
+    w->convertRefusalLabel->setVisible(!refusal.isEmpty());
 }
 
 void MCWindowBinding::refreshEditTabs()

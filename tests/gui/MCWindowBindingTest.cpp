@@ -94,8 +94,13 @@ TEST_F(WindowBindingTest, TabsAndTrackTicksReachTheRules)
     w->trackModel->setData(w->trackModel->index(0, MCTrackTableModel::SelectedColumn), Qt::Unchecked,
                            Qt::CheckStateRole);
     EXPECT_FALSE(w->convertButton->isEnabled());
+    // The reason stands beside the disabled button.
+    EXPECT_FALSE(w->convertRefusalLabel->isHidden());
+    EXPECT_TRUE(w->convertRefusalLabel->text().startsWith(QStringLiteral("An AVI takes one video track")))
+        << w->convertRefusalLabel->text().toStdString();
     w->toggleVideoButton->click();
     EXPECT_TRUE(w->convertButton->isEnabled());
+    EXPECT_TRUE(w->convertRefusalLabel->isHidden());
     EXPECT_EQ(w->trackModel->index(0, MCTrackTableModel::SelectedColumn).data(Qt::CheckStateRole).toInt(), Qt::Checked);
 
     // Typed bit rates count once the video is re-encoded.
