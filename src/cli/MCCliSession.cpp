@@ -484,6 +484,10 @@ int MCCliSession::watch()
         for (const QUrl &file : files)
             m_printer->note(QStringLiteral("New movie: %1").arg(file.toLocalFile()));
     });
+    connect(watchMode, &MCWatchModeController::movieGivenUp, this, [this](const QUrl &file, const QString &reason) {
+        fail(QStringLiteral("%1: %2: not converted after %3 attempts: %4")
+                 .arg(kProgram, file.toLocalFile()).arg(MCWatchModeFollowUp::maxAttempts).arg(reason));
+    });
     m_printer->note(QStringLiteral("Watching %1 (Ctrl-C to stop)").arg(folder));
 
     QEventLoop loop;
