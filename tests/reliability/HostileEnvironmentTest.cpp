@@ -100,13 +100,13 @@ TEST(StaleResults, AFileOfAnEarlierRunNeverPassesAsThisRunsResult)
     // A piece an earlier split left, valid media of the right name.
     const QString stale = ws.path(QStringLiteral("stale.avi.split-0000.avi"));
     ASSERT_TRUE(QFile::copy(ws.source, stale));
-    const QByteArray staleSum = Workspace::checksum(stale);
+    const QByteArray staleSum = testsupport::checksum(stale);
 
     const CliResult result = runCli(ws.withSettings({QStringLiteral("split"), ws.source, QStringLiteral("--time"),
                                                      QStringLiteral("00:00:05-00:00:09")}));
     EXPECT_NE(result.status, 0) << "a range past the end of a 2-second clip: " << result.out.toStdString();
     EXPECT_TRUE(completedResults(result.out).isEmpty()) << result.out.toStdString();
-    EXPECT_EQ(Workspace::checksum(stale), staleSum);
+    EXPECT_EQ(testsupport::checksum(stale), staleSum);
     EXPECT_TRUE(stagingFolders(ws.dir.path()).isEmpty());
     expectCleanEnd(ws);
 }

@@ -2,7 +2,6 @@
 
 #include "CliTestSupport.h"
 
-#include <QCryptographicHash>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -21,21 +20,11 @@ public:
         settings = quietSettings(dir.path());
         this->source = path(QFileInfo(source).fileName());
         QFile::copy(source, this->source);
-        sourceSum = checksum(this->source);
+        sourceSum = testsupport::checksum(this->source);
     }
 
     QString path(const QString &name) const { return dir.path() + QLatin1Char('/') + name; }
     QStringList withSettings(const QStringList &arguments) const { return QStringList{QStringLiteral("--settings"), settings} + arguments; }
-
-    static QByteArray checksum(const QString &path)
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        QCryptographicHash hash(QCryptographicHash::Sha256);
-        hash.addData(&file);
-        return hash.result().toHex();
-    }
 
     // Command lines of processes still running that name this folder: a
     // tool of a job that should have ended with its Kestrane.
@@ -74,7 +63,7 @@ public:
         return left;
     }
 
-    bool sourceUnchanged() const { return checksum(source) == sourceSum; }
+    bool sourceUnchanged() const { return testsupport::checksum(source) == sourceSum; }
 
     // What the folder holds besides the source and the settings: results,
     // leftovers, private folders.
