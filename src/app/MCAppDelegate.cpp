@@ -28,11 +28,18 @@ const QString kNewFileAdded = QStringLiteral("new file added");
 constexpr double kIntakeAlertSeconds = 5.0;
 constexpr double kSaveFolderAlertSeconds = 10.0;
 constexpr int kBatchDelayMs = 400;
-constexpr int kWatchStartDelayMs = 2000;
 
 bool isAvi(const QUrl &url)
 {
     return QFileInfo(url.toLocalFile()).suffix().toLower() == QStringLiteral("avi");
+}
+
+// An empty or damaged file named .avi would make the join or split tools
+// write a result that plays a fraction, or nothing; it is refused as the
+// conversion's intake refuses it.
+bool isReadableVideo(const QUrl &url)
+{
+    return MCVideoFile().initializeForURL(url).toLower() == QStringLiteral("ok");
 }
 
 bool isOneOf(const QString &mode, std::initializer_list<QString> modes)
@@ -146,13 +153,22 @@ void MCAppDelegate::openedFileHubForFiles(const QList<QUrl> &urls)
     if (urls.isEmpty())
         return;
     if (m_openingFileMode == kWatch) {
-        // A watched file is processed at once with the presets in force.
-        if (testNewFileURL(urls.first(), false) == kNewFileAdded)
-            QTimer::singleShot(kWatchStartDelayMs, this, [this] { startProcess(QString()); });
+        takeUpWatchedMovie(urls.first());
         return;
     }
     if (testNewFileURL(urls.first(), true) == kNewFileAdded && currentSelection->headerRemovalFlag)
         offerHeaderRemovalRemux();
+}
+
+bool MCAppDelegate::takeUpWatchedMovie(const QUrl &url)
+{
+    setOpeningFileMode(kWatch);
+    setOpenedURLsArray({url});
+    m_lastLoadAnswer.clear();
+    if (testNewFileURL(url, false) != kNewFileAdded)
+        return false;
+    QTimer::singleShot(watchStartDelayMs, this, [this] { startProcess(QString()); });
+    return true;
 }
 
 void MCAppDelegate::offerHeaderRemovalRemux()
@@ -213,10 +229,12 @@ QString MCAppDelegate::testForEditFilesTab(bool withAlerts)
     const QString refusal = adding ? QStringLiteral("Kestrane can't add the track from this file.")
                                    : QStringLiteral("Kestrane can only edit AVI files.");
     for (const QUrl &url : std::as_const(m_openedURLsArray)) {
-        if (isAvi(url))
-            editFilesURLsArray.append(url);
-        else
+        if (!isAvi(url))
             alertErrorOpening(url, refusal, withAlerts);
+        else if (!isReadableVideo(url))
+            alertErrorOpening(url, QStringLiteral("Kestrane could not identify this file as a video!!!!!!!!!."), withAlerts);
+        else
+            editFilesURLsArray.append(url);
     }
     m_editFilesPathsArray.clear();
     for (const QUrl &url : std::as_const(editFilesURLsArray))
@@ -335,8 +353,15 @@ bool MCAppDelegate::checkSaveFolderIsWritable()
     if (folder.isDir() && folder.isWritable())
         return true;
     MCAlert alert;
-    alert.message = QStringLiteral("Kestrane does not have permision to write to the save folder for this job.");
-    alert.informativeText = QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder.");
+    if (!folder.exists()) {
+        // A folder that is gone (an unplugged disk, a typo) is not a
+        // permission problem; saying so would send the user the wrong way.
+        alert.message = QStringLiteral("The save folder for this job does not exist.");
+        alert.informativeText = QStringLiteral("Create the folder or change the save location: %1").arg(folder.filePath());
+    } else {
+        alert.message = QStringLiteral("Kestrane does not have permision to write to the save folder for this job.");
+        alert.informativeText = QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder.");
+    }
     alert.timeoutSeconds = kSaveFolderAlertSeconds;
     MCAlertCenter::instance().present(alert);
     return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MCWatchModeFollowUp.h"
 #include "MCWatchModeLink.h"
 
 #include <QHash>
@@ -58,6 +59,8 @@ public:
     static QRect frameLevelWithTopOf(const QRect &other, const QSize &size);
 
     bool isScanning() const { return m_watchTimer.isActive(); }
+    // Movies tried maxAttempts times and left alone, as "PATH: REASON".
+    const QStringList &givenUpMovies() const { return m_followUp.givenUp(); }
     QString watchFolderPath() const { return m_watchFolderPath; }
 
     bool appIsInWatchMode() const override { return m_appIsInWatchMode; }
@@ -72,6 +75,8 @@ signals:
     void folderChooserRequested();
     // Files found complete in this scan, just before the intake takes them.
     void moviesTakenUp(const QList<QUrl> &files);
+    // A movie refused or failed too often; it is not tried again.
+    void movieGivenUp(const QUrl &file, const QString &reason);
 
 private:
     void setAppIsInWatchMode(bool on);
@@ -81,8 +86,16 @@ private:
     void forgetRecordsOfFilesThatLeft(const QList<QUrl> &current);
     void checkGrowingFiles();
     void handOnStableFiles();
+    void handOnNext();
+    void followTakenUpMovies();
+    void settle(const MCWatchModeFollowUp::Outcome &outcome);
 
     QTimer m_watchTimer;
+    // Movies that settled together go to the intake one at a time: each
+    // loads into the one current file and starts a moment later.
+    QList<QUrl> m_waitingForIntake;
+    QTimer m_intakeTimer;
+    MCWatchModeFollowUp m_followUp;
     bool m_appIsInWatchMode = false;
     QString m_watchFolderPath;
     // Results Kestrane announced; true once seen in the folder, so that a

@@ -70,6 +70,7 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("version"), false, {}, [](MCCliOptions &o, const QString &) { o.version = true; return std::optional<QString>(); }},
         {QStringLiteral("dry-run"), false, {}, [](MCCliOptions &o, const QString &) { o.dryRun = true; return std::optional<QString>(); }},
         {QStringLiteral("overwrite"), false, {}, [](MCCliOptions &o, const QString &) { o.overwrite = true; return std::optional<QString>(); }},
+        {QStringLiteral("resume"), false, {}, [](MCCliOptions &o, const QString &) { o.resume = true; return std::optional<QString>(); }},
         {QStringLiteral("quiet"), false, {}, [](MCCliOptions &o, const QString &) { o.quiet = true; return std::optional<QString>(); }},
         {QStringLiteral("settings"), true, {}, [](MCCliOptions &o, const QString &v) { o.settingsFile = v; return std::optional<QString>(); }},
         {QStringLiteral("save-dir"), true, {}, [](MCCliOptions &o, const QString &v) { o.saveDir = v; return std::optional<QString>(); }},
@@ -224,6 +225,12 @@ std::optional<QString> MCCliOptions::parse(const QStringList &arguments, MCCliOp
     }
     if (out.help || out.version)
         return std::nullopt;
+    if (out.resume) {
+        // The jobs come from the journal, with the files and choices they had.
+        if (!out.command.isEmpty() || !pending.isEmpty())
+            return QStringLiteral("--resume takes no command and no file");
+        return std::nullopt;
+    }
     if (out.command.isEmpty())
         return QStringLiteral("no command given");
     if (!commands().contains(out.command))

@@ -20,6 +20,7 @@ struct MCCliOptions
     bool dryRun = false;
     bool quiet = false;
     bool overwrite = false; // a result may take the place of a file of its name
+    bool resume = false;    // run the jobs an earlier, killed run left unfinished
     QString settingsFile;
     QString saveDir;
 

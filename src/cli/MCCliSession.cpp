@@ -3,7 +3,9 @@
 #include "MCAlertCenter.h"
 #include "MCAppDelegate.h"
 #include "MCCliAlertPresenter.h"
+#include "MCCliResume.h"
 #include "MCDryRun.h"
+#include "MCInputFileCheck.h"
 #include "MCJob.h"
 #include "MCJobWatcher.h"
 #include "MCNotificationCenter.h"
@@ -13,6 +15,7 @@
 #include "MCQueueController.h"
 #include "MCSelectionController.h"
 #include "MCSignalWatcher.h"
+#include "MCTerminalText.h"
 #include "MCVideoFile.h"
 #include "MCWatchModeController.h"
 
@@ -35,9 +38,7 @@ constexpr int kPollMs = 100;
 
 void printError(const QString &text)
 {
-    const QByteArray bytes = (text + QLatin1Char('\n')).toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
-    std::fflush(stderr);
+    MCTerminalText::print(stderr, text + QLatin1Char('\n'));
 }
 
 QString fileNameOf(const QString &path)
@@ -80,6 +81,10 @@ int MCCliSession::run()
         return usage;
     auto *signalWatcher = new MCSignalWatcher(this);
     connect(signalWatcher, &MCSignalWatcher::signalled, this, &MCCliSession::interrupted);
+    if (m_options.resume)
+        return MCCliResume::runAgain(*m_app) > 0 ? finish() : 0;
+    if (!m_options.dryRun)
+        MCCliResume::tellOfInterruptedJobs(*m_app);
 
     const QString &command = m_options.command;
     int usage = -1;
@@ -170,15 +175,10 @@ QList<QUrl> MCCliSession::checkedFiles(const QStringList &paths)
 {
     QList<QUrl> urls;
     for (const QString &path : paths) {
-        const QFileInfo info(path);
-        if (!info.exists())
-            fail(QStringLiteral("%1: %2: No such file or directory").arg(kProgram, path));
-        else if (!info.isFile())
-            fail(QStringLiteral("%1: %2: Not a regular file").arg(kProgram, path));
-        else if (!info.isReadable())
-            fail(QStringLiteral("%1: %2: Permission denied").arg(kProgram, path));
+        if (const QString problem = MCInputFileCheck::problem(path); !problem.isEmpty())
+            fail(QStringLiteral("%1: %2: %3").arg(kProgram, path, problem));
         else
-            urls << QUrl::fromLocalFile(info.absoluteFilePath());
+            urls << QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
     }
     return urls;
 }
@@ -483,6 +483,10 @@ int MCCliSession::watch()
     connect(watchMode, &MCWatchModeController::moviesTakenUp, this, [this](const QList<QUrl> &files) {
         for (const QUrl &file : files)
             m_printer->note(QStringLiteral("New movie: %1").arg(file.toLocalFile()));
+    });
+    connect(watchMode, &MCWatchModeController::movieGivenUp, this, [this](const QUrl &file, const QString &reason) {
+        fail(QStringLiteral("%1: %2: not converted after %3 attempts: %4")
+                 .arg(kProgram, file.toLocalFile()).arg(MCWatchModeFollowUp::maxAttempts).arg(reason));
     });
     m_printer->note(QStringLiteral("Watching %1 (Ctrl-C to stop)").arg(folder));
 

@@ -2,7 +2,9 @@
 
 #include "MCCliOptions.h"
 #include "MCCliSession.h"
+#include "MCInputFileCheck.h"
 #include "MCJsonReport.h"
+#include "MCTerminalText.h"
 #include "MCVideoFile.h"
 
 #include <QCoreApplication>
@@ -16,15 +18,19 @@ namespace {
 
 void printOut(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
-    std::fflush(stdout);
+    MCTerminalText::print(stdout, text);
 }
 
 void printError(const QString &text)
 {
-    const QByteArray bytes = (text + QLatin1Char('\n')).toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+    MCTerminalText::print(stderr, text + QLatin1Char('\n'));
+}
+
+// JSON escapes control characters itself; its text is printed as it is.
+void printJson(const QByteArray &json)
+{
+    std::fwrite(json.constData(), 1, static_cast<size_t>(json.size()), stdout);
+    std::fflush(stdout);
 }
 
 } // namespace
@@ -60,9 +66,8 @@ int MCCommandLine::inspect(const MCCliOptions &options)
     QJsonArray files;
     for (const QString &path : options.files) {
         const QFileInfo info(path);
-        if (!info.isFile()) {
-            printError(QStringLiteral("kestrane-cli: %1: %2").arg(path, info.exists() ? QStringLiteral("Not a regular file")
-                                                                                      : QStringLiteral("No such file or directory")));
+        if (const QString problem = MCInputFileCheck::problem(path); !problem.isEmpty()) {
+            printError(QStringLiteral("kestrane-cli: %1: %2").arg(path, problem));
             status = 1;
             continue;
         }
@@ -79,7 +84,7 @@ int MCCommandLine::inspect(const MCCliOptions &options)
             printOut(file.stringFromFileProperties());
     }
     if (options.json)
-        printOut(QString::fromUtf8(QJsonDocument(files).toJson(QJsonDocument::Indented)));
+        printJson(QJsonDocument(files).toJson(QJsonDocument::Indented));
     return status;
 }
 
@@ -92,6 +97,7 @@ QString MCCommandLine::helpText()
 {
     return QStringLiteral(
         "Usage: kestrane-cli COMMAND [OPTION]... FILE...\n"
+        "  or:  kestrane-cli --resume [--settings FILE]\n"
         "Convert and edit video files with Kestrane's presets and jobs, without a window.\n"
         "\n"
         "Commands:\n"
@@ -136,6 +142,8 @@ QString MCCommandLine::helpText()
         "      --dry-run             print what would be done and the tool commands;\n"
         "                            queue nothing, write nothing\n"
         "      --quiet               print only one line per finished job\n"
+        "      --resume              run again the jobs a killed kestrane-cli or\n"
+        "                            Kestrane left unfinished\n"
         "  -h, --help                show this help and exit\n"
         "      --version             show the version and exit\n"
         "\n"

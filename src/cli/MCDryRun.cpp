@@ -4,6 +4,7 @@
 #include "MCJob.h"
 #include "MCJobWatcher.h"
 #include "MCQueueController.h"
+#include "MCTerminalText.h"
 #include "MCVideoFile.h"
 
 #include <QDeadlineTimer>
@@ -81,9 +82,7 @@ MCDryRun::~MCDryRun()
 
 void MCDryRun::print(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), m_out);
-    std::fflush(m_out);
+    MCTerminalText::print(m_out, text);
 }
 
 QString MCDryRun::describe(const MCSelection &selection, const MCVideoFile &file)

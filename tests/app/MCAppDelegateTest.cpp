@@ -216,14 +216,15 @@ TEST_F(AppDelegateTest, StartChecksTheSaveFolderAndBatchesNeedPresets)
     EXPECT_EQ(skipped, QList<QUrl>{url(notes)});
     EXPECT_TRUE(alerts->alerts.isEmpty());
 
-    // An unwritable save folder stops the start before anything is queued.
+    // A missing save folder stops the start before anything is queued, and
+    // is called missing: a permission problem would send the user astray.
     queued.clear();
     app->appPreferences->saveDirectoryURL = url(settingsDir.path() + QStringLiteral("/missing"));
     app->startProcess(QStringLiteral("Convert"));
     ASSERT_EQ(alerts->alerts.size(), 1);
-    EXPECT_EQ(alerts->alerts.first().message, QStringLiteral("Kestrane does not have permision to write to the save folder for this job."));
+    EXPECT_EQ(alerts->alerts.first().message, QStringLiteral("The save folder for this job does not exist."));
     EXPECT_EQ(alerts->alerts.first().informativeText,
-              QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder."));
+              QStringLiteral("Create the folder or change the save location: %1/missing").arg(settingsDir.path()));
     EXPECT_DOUBLE_EQ(alerts->alerts.first().timeoutSeconds, 10.0);
     testsupport::waitUntil([] { return false; }, 600);
     EXPECT_TRUE(queued.isEmpty());

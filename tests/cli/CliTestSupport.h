@@ -2,6 +2,8 @@
 
 #include "TestSupport.h"
 
+#include "MCPreferences.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -33,6 +35,16 @@ inline CliResult runCli(const QStringList &arguments, int timeoutMs = 180000)
     result.out = QString::fromUtf8(process.readAllStandardOutput());
     result.err = QString::fromUtf8(process.readAllStandardError());
     return result;
+}
+
+// A settings file of its own in dir, keeping no logs; answers its path.
+inline QString quietSettings(const QString &dir)
+{
+    const QString settings = dir + QStringLiteral("/kestrane.ini");
+    MCPreferences preferences(settings);
+    preferences.keepLogsFlag = false;
+    preferences.savePreferencesToDefaults();
+    return settings;
 }
 
 // Tiny clips, made once per test program.

@@ -40,11 +40,8 @@ class CliJobs : public ::testing::Test
 protected:
     void SetUp() override
     {
-        settings = settingsDir.path() + QStringLiteral("/kestrane.ini");
-        MCPreferences preferences(settings);
-        preferences.keepLogsFlag = false;
-        preferences.savePreferencesToDefaults();
-        preferences.saveUserPresetSettingsListFor({quickPreset()});
+        settings = quietSettings(settingsDir.path());
+        MCPreferences(settings).saveUserPresetSettingsListFor({quickPreset()});
     }
 
     QStringList common() const { return {QStringLiteral("--settings"), settings, QStringLiteral("--save-dir"), saveDir.path()}; }
@@ -147,10 +144,11 @@ TEST_F(CliJobs, BadInputIsNamedAndNothingIsQueuedForIt)
     result = runCli({QStringLiteral("--settings"), settings, QStringLiteral("convert"), QStringLiteral("--save-dir"),
                      saveDir.path() + QStringLiteral("/no/such/folder"), avi});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.err.contains(QStringLiteral("Kestrane does not have permision to write to the save folder for this job.: "
-                                                   "Either move the file, change the save location, or edit the permissions "
-                                                   "for the output folder.")))
+    // A folder that is not there is not a permission problem.
+    EXPECT_TRUE(result.err.contains(QStringLiteral("The save folder for this job does not exist.: Create the folder or change "
+                                                   "the save location: ")))
         << result.err.toStdString();
+    EXPECT_FALSE(result.err.contains(QStringLiteral("permision"))) << result.err.toStdString();
 
     // A batch needs presets other than "Manual" for both pop ups.
     result = runCli(common() + QStringList{QStringLiteral("convert"), QStringLiteral("--tracks"), QStringLiteral("1,2"), avi, avi});

@@ -1,6 +1,7 @@
 #include "TestSupport.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QProcess>
@@ -76,6 +77,16 @@ QString mediaInfo(const QString &path, const QString &kind, const QString &param
     // QString::arg has no "%%" escape: "%%2%" becomes "%Width%".
     run(QStringLiteral("mediainfo --Inform='%1;%%2%\\n' '%3'").arg(kind, parameter, path), &output);
     return output.section(QLatin1Char('\n'), 0, 0).trimmed();
+}
+
+QByteArray checksum(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    hash.addData(&file);
+    return hash.result();
 }
 
 } // namespace testsupport

@@ -42,6 +42,10 @@ QString readTestData(const QString &relative);
 // e.g. mediaInfo(path, "Video", "Width") (plain, no --Legacy).
 QString mediaInfo(const QString &path, const QString &kind, const QString &parameter);
 
+// A file's content hash (empty when it cannot be read): sources must come
+// out of a run unchanged.
+QByteArray checksum(const QString &path);
+
 } // namespace testsupport
 
 // Lets GoogleTest print Qt texts in failure messages.
