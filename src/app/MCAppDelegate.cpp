@@ -5,6 +5,7 @@
 #include "MCJob.h"
 #include "MCJobTypes.h"
 #include "MCLog.h"
+#include "MCMkvEditRules.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
 #include "MCQueueController.h"
@@ -33,6 +34,12 @@ constexpr int kWatchStartDelayMs = 2000;
 bool isAvi(const QUrl &url)
 {
     return QFileInfo(url.toLocalFile()).suffix().toLower() == QStringLiteral("avi");
+}
+
+// The files Edit Files and Edit Tracks take: AVI, and Matroska for the MKV edits.
+bool isEditable(const QUrl &url)
+{
+    return isAvi(url) || MCMkvEditRules::isMatroska(url.toLocalFile());
 }
 
 bool isOneOf(const QString &mode, std::initializer_list<QString> modes)
@@ -182,7 +189,8 @@ void MCAppDelegate::handleHeaderCompression(int returnCode)
 QString MCAppDelegate::testNewFileURL(const QUrl &url, bool withAlerts)
 {
     const QString tab = currentTab().toLower();
-    if (tab == QStringLiteral("avi"))
+    // Both conversion tabs take a file and its added tracks alike.
+    if (tab == QStringLiteral("avi") || tab == QStringLiteral("mkv"))
         return testForAviTab(url, withAlerts);
     if (tab == QStringLiteral("edit files"))
         return testForEditFilesTab(withAlerts);
@@ -211,9 +219,9 @@ QString MCAppDelegate::testForEditFilesTab(bool withAlerts)
     if (!adding)
         editFilesURLsArray.clear();
     const QString refusal = adding ? QStringLiteral("Kestrane can't add the track from this file.")
-                                   : QStringLiteral("Kestrane can only edit AVI files.");
+                                   : QStringLiteral("Kestrane can only edit AVI and MKV files.");
     for (const QUrl &url : std::as_const(m_openedURLsArray)) {
-        if (isAvi(url))
+        if (isEditable(url))
             editFilesURLsArray.append(url);
         else
             alertErrorOpening(url, refusal, withAlerts);
@@ -235,9 +243,9 @@ QString MCAppDelegate::testForEditTracksTab(const QUrl &url, bool withAlerts)
     } else if (meaning == QStringLiteral("not a video file")) {
         alertErrorOpening(url, QStringLiteral("Kestrane can't open this file."), withAlerts);
     } else if (meaning == QStringLiteral("replace file")) {
-        if (isAvi(url))
+        if (isEditable(url))
             return loadRule(url, withAlerts);
-        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI files."), withAlerts);
+        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI and MKV files."), withAlerts);
     }
     return {};
 }
@@ -367,10 +375,11 @@ void MCAppDelegate::startProcess(const QString &commandTitle)
     if (!checkSaveFolderIsWritable())
         return;
     if (currentTab() == QStringLiteral("Edit Files")) {
+        const QList<QUrl> &files = currentSelection->editFilesURLsList;
         if (commandTitle == QStringLiteral("Join"))
-            currentSelection->jobType = QStringLiteral("AVI Joining");
+            currentSelection->jobType = MCMkvEditRules::fileEditJobType(QStringLiteral("AVI Joining"), files);
         else if (commandTitle == QStringLiteral("Split"))
-            currentSelection->jobType = QStringLiteral("AVI Splitting");
+            currentSelection->jobType = MCMkvEditRules::fileEditJobType(QStringLiteral("AVI Splitting"), files);
         else if (commandTitle == QStringLiteral("Re-Mux"))
             currentSelection->jobType = QStringLiteral("MKV Remux");
         queueCurrentSelection();
