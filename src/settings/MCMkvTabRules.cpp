@@ -1,8 +1,10 @@
 #include "MCMkvTabRules.h"
 
 #include "MCAviRefusal.h"
+#include "MCContainers.h"
 #include "MCTextNumbers.h"
 
+#include <algorithm>
 #include <functional>
 
 using MCTextNumbers::integerValue;
@@ -169,6 +171,23 @@ void MCMkvTabRules::wantAudio(MCVideoTrack &track, int row, bool stereoCopy)
     track.createStereoCopyFlag = stereoCopy && row != AudioAacStereo && integerValue(track.trackNumberOfChannels) > 2;
 }
 
+QString MCMkvTabRules::copyRefusal(const MCSelection &selection) const
+{
+    const QString extension = selection.videoTrackFileExtension.toLower();
+    const auto copies = [&selection](const QString &type) {
+        return std::any_of(selection.trackList.cbegin(), selection.trackList.cend(), [&type](const MCVideoTrackPtr &track) {
+            return track->trackType == type && track->userCodec == kPassthru && !track->externalTrackFlag;
+        });
+    };
+    // mkvmerge reads no ASF file at all.
+    if ((extension == QStringLiteral("wmv") || extension == QStringLiteral("asf")) && (copies(kVideo) || copies(kAudio)))
+        return QStringLiteral("mkvmerge cannot copy tracks out of a WMV file: choose MPEG-4 and an AAC or AC-3 row.");
+    // It reads a program stream's sound but leaves its picture out.
+    if (MCContainers::isProgramStream(extension) && copies(kVideo))
+        return QStringLiteral("The video of a VOB or MPEG file cannot be copied into an MKV as it is: choose MPEG-4.");
+    return {};
+}
+
 QString MCMkvTabRules::refusalFor(const MCSelection &selection, const Typed &typed) const
 {
     const int videos = count(selection, [](const MCVideoTrack &t) { return t.trackType == kVideo; });
@@ -183,6 +202,8 @@ QString MCMkvTabRules::refusalFor(const MCSelection &selection, const Typed &typ
                 .arg(track->userCodec == QStringLiteral("ac3") ? QStringLiteral("AC-3 5.1") : QStringLiteral("AAC 5.1"),
                      track->trackLanguage, track->trackNumberOfChannels);
     }
+    if (const QString copying = copyRefusal(selection); !copying.isEmpty())
+        return copying;
     if (m_videoRow == VideoPassthru)
         return {};
     if (!typed.widthOK)

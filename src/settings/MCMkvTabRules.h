@@ -85,6 +85,8 @@ signals:
 private:
     // Why the selection cannot become an MKV as chosen; empty when it can.
     QString refusalFor(const MCSelection &selection, const Typed &typed) const;
+    // Why a track cannot be copied out of this file by mkvmerge; empty when it can.
+    QString copyRefusal(const MCSelection &selection) const;
     void applyVideoRow(MCSelection &selection, MCVideoTrack &track) const;
     void showChoiceOf(const MCVideoTrack &track);
 

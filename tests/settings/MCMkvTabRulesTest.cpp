@@ -112,6 +112,22 @@ TEST(MCMkvTabRulesTest, RefusesWhatCannotBecomeTheFileAsked)
     }
 }
 
+TEST(MCMkvTabRulesTest, TracksMkvmergeCannotCopyMustBeReEncoded)
+{
+    for (const char *extension : {"wmv", "VOB"}) {
+        SCOPED_TRACE(extension);
+        Rules r;
+        r.load(makeFile({{"Video", "mpeg2"}, {"Audio", "ac3", "6"}}, QString::fromLatin1(extension)));
+        r.rules.setCurrentTab(MCSelectionController::tabMkv);
+        r.rules.setEnteredUserVideoBitRate(QStringLiteral("900"));
+        EXPECT_FALSE(r.rules.canConvert);
+        r.rules.mkvTab()->setVideoMatrixIndex(MCMkvTabRules::VideoOnePass);
+        r.rules.mkvTab()->setAudioMatrixIndex(MCMkvTabRules::AudioAc351);
+        r.rules.updateTabs();
+        EXPECT_TRUE(r.rules.canConvert) << r.rules.convertRefusalText().toStdString();
+    }
+}
+
 TEST(MCMkvTabRulesTest, SubtitlesAreMuxedOrDroppedAndAWidthForACopiedPictureIsFlagged)
 {
     MkvTab t;
