@@ -5,6 +5,7 @@
 #include "MCJob.h"
 #include "MCJobTypes.h"
 #include "MCLog.h"
+#include "MCMkvEditRules.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
 #include "MCQueueController.h"
@@ -34,8 +35,14 @@ bool isAvi(const QUrl &url)
     return QFileInfo(url.toLocalFile()).suffix().toLower() == QStringLiteral("avi");
 }
 
-// An empty or damaged file named .avi would make the join or split tools
-// write a result that plays a fraction, or nothing; it is refused as the
+// The files Edit Files and Edit Tracks take: AVI, and Matroska for the MKV edits.
+bool isEditable(const QUrl &url)
+{
+    return isAvi(url) || MCMkvEditRules::isMatroska(url.toLocalFile());
+}
+
+// An empty or damaged file would make the join or split tools write a
+// result that plays a fraction, or nothing; it is refused as the
 // conversion's intake refuses it.
 bool isReadableVideo(const QUrl &url)
 {
@@ -198,7 +205,8 @@ void MCAppDelegate::handleHeaderCompression(int returnCode)
 QString MCAppDelegate::testNewFileURL(const QUrl &url, bool withAlerts)
 {
     const QString tab = currentTab().toLower();
-    if (tab == QStringLiteral("avi"))
+    // Both conversion tabs take a file and its added tracks alike.
+    if (tab == QStringLiteral("avi") || tab == QStringLiteral("mkv"))
         return testForAviTab(url, withAlerts);
     if (tab == QStringLiteral("edit files"))
         return testForEditFilesTab(withAlerts);
@@ -227,9 +235,9 @@ QString MCAppDelegate::testForEditFilesTab(bool withAlerts)
     if (!adding)
         editFilesURLsArray.clear();
     const QString refusal = adding ? QStringLiteral("Kestrane can't add the track from this file.")
-                                   : QStringLiteral("Kestrane can only edit AVI files.");
+                                   : QStringLiteral("Kestrane can only edit AVI and MKV files.");
     for (const QUrl &url : std::as_const(m_openedURLsArray)) {
-        if (!isAvi(url))
+        if (!isEditable(url))
             alertErrorOpening(url, refusal, withAlerts);
         else if (!isReadableVideo(url))
             alertErrorOpening(url, QStringLiteral("Kestrane could not identify this file as a video!!!!!!!!!."), withAlerts);
@@ -253,9 +261,9 @@ QString MCAppDelegate::testForEditTracksTab(const QUrl &url, bool withAlerts)
     } else if (meaning == QStringLiteral("not a video file")) {
         alertErrorOpening(url, QStringLiteral("Kestrane can't open this file."), withAlerts);
     } else if (meaning == QStringLiteral("replace file")) {
-        if (isAvi(url))
+        if (isEditable(url))
             return loadRule(url, withAlerts);
-        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI files."), withAlerts);
+        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI and MKV files."), withAlerts);
     }
     return {};
 }
@@ -392,10 +400,11 @@ void MCAppDelegate::startProcess(const QString &commandTitle)
     if (!checkSaveFolderIsWritable())
         return;
     if (currentTab() == QStringLiteral("Edit Files")) {
+        const QList<QUrl> &files = currentSelection->editFilesURLsList;
         if (commandTitle == QStringLiteral("Join"))
-            currentSelection->jobType = QStringLiteral("AVI Joining");
+            currentSelection->jobType = MCMkvEditRules::fileEditJobType(QStringLiteral("AVI Joining"), files);
         else if (commandTitle == QStringLiteral("Split"))
-            currentSelection->jobType = QStringLiteral("AVI Splitting");
+            currentSelection->jobType = MCMkvEditRules::fileEditJobType(QStringLiteral("AVI Splitting"), files);
         else if (commandTitle == QStringLiteral("Re-Mux"))
             currentSelection->jobType = QStringLiteral("MKV Remux");
         queueCurrentSelection();

@@ -3,11 +3,13 @@
 #include "MCAlertCenter.h"
 #include "MCAppDelegate.h"
 #include "MCCliAlertPresenter.h"
+#include "MCCliMkvChoices.h"
 #include "MCCliResume.h"
 #include "MCDryRun.h"
 #include "MCInputFileCheck.h"
 #include "MCJob.h"
 #include "MCJobWatcher.h"
+#include "MCMkvEditRules.h"
 #include "MCNotificationCenter.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
@@ -96,6 +98,8 @@ int MCCliSession::run()
         usage = split();
     else if (command == QStringLiteral("extract"))
         usage = extract();
+    else if (command == QStringLiteral("remove-tracks"))
+        usage = removeTracks();
     else if (command == QStringLiteral("add-audio"))
         usage = addAudio();
     else if (command == QStringLiteral("remux"))
@@ -215,6 +219,14 @@ bool MCCliSession::selectTracks(const QList<int> &positions, const QUrl &url)
 void MCCliSession::applyExplicitSettings()
 {
     MCSelectionController *rules = m_app->selectionController;
+    // --to wins over the target of a settings preset.
+    if (const QString wanted = m_options.intoMkv() ? MCSelectionController::tabMkv : MCSelectionController::tabAvi;
+        !m_options.target.isEmpty() && rules->currentTab() != wanted)
+        rules->setCurrentTab(wanted);
+    if (rules->currentTab() == MCSelectionController::tabMkv) {
+        MCCliMkvChoices::apply(m_options, *rules);
+        return;
+    }
     if (m_options.stereoCopy) {
         rules->setAddStereoTrackButton(1);
         // The check box rebuilds the stereo copies on the next turn of the loop.
@@ -242,8 +254,9 @@ void MCCliSession::applyExplicitSettings()
 void MCCliSession::takeSelection(const MCSelectionPtr &selection)
 {
     // A watched folder's movies converted to AVI are refused alike.
+    const QString tab = m_app->selectionController->currentTab();
     const bool watchedConversion = m_options.command == QStringLiteral("watch")
-                                   && m_app->selectionController->currentTab() == MCSelectionController::tabAvi;
+                                   && (tab == MCSelectionController::tabAvi || tab == MCSelectionController::tabMkv);
     const bool converting = (m_options.command == QStringLiteral("convert") || watchedConversion)
                             && selection->jobType != QStringLiteral("MKV Remux");
     if (converting) {
@@ -275,12 +288,20 @@ bool MCCliSession::startAllowed(QString *why) const
     MCSelectionController *rules = m_app->selectionController;
     const QString &command = m_options.command;
     if (command == QStringLiteral("join") && !rules->canJoin) {
-        *why = QStringLiteral("cannot join: it takes at least two AVI files");
+        *why = QStringLiteral("cannot join: it takes at least two AVI files or at least two MKV files");
+        return false;
+    }
+    if (command == QStringLiteral("split") && !rules->canSplit && !m_options.durationSeconds.isEmpty()) {
+        *why = QStringLiteral("cannot split: only MKV files are split by duration");
         return false;
     }
     if (command == QStringLiteral("split") && !rules->canSplit) {
         *why = m_options.startTime.isEmpty() ? QStringLiteral("cannot split: size and number of pieces must be whole numbers above 0")
                                              : QStringLiteral("cannot split: the end time must come after the start time");
+        return false;
+    }
+    if (command == QStringLiteral("remove-tracks") && !rules->canEditTracks) {
+        *why = QStringLiteral("cannot remove tracks: it takes an MKV file, and at least one of its tracks must stay");
         return false;
     }
     if ((command == QStringLiteral("extract") || command == QStringLiteral("add-audio")) && !rules->canEditTracks) {
@@ -298,7 +319,7 @@ int MCCliSession::convert()
     const QList<QUrl> urls = checkedFiles(m_options.files);
     if (urls.isEmpty())
         return -1;
-    openFiles(QStringLiteral("AVI"), urls);
+    openFiles(m_options.intoMkv() ? MCSelectionController::tabMkv : MCSelectionController::tabAvi, urls);
     if (urls.size() == 1) {
         if (!loaded(urls.first()))
             return -1;
@@ -341,6 +362,11 @@ int MCCliSession::split()
         };
         typed(QStringLiteral("startTimeTextField"), m_options.startTime);
         typed(QStringLiteral("endTimeTextField"), m_options.endTime);
+    } else if (!m_options.durationSeconds.isEmpty()) {
+        rules->splitTypeMatrixIndex = MCMkvEditRules::splitByDurationRow;
+        rules->notificationHub(MCNotification{MCNotificationName::timeTextFieldChanged,
+                                              MCCliMkvChoices::durationText(m_options.durationSeconds),
+                                              {{QStringLiteral("textFieldID"), QStringLiteral("durationTimeTextField")}}});
     } else {
         rules->splitTypeMatrixIndex = 1;
         rules->setEnteredSplitSize(m_options.sizeMB);
@@ -358,11 +384,21 @@ int MCCliSession::split()
 
 int MCCliSession::extract()
 {
+    return editTracks(0);
+}
+
+int MCCliSession::removeTracks()
+{
+    return editTracks(MCMkvEditRules::removeTracksRow);
+}
+
+int MCCliSession::editTracks(int row)
+{
     const QList<QUrl> urls = checkedFiles(m_options.files);
     if (urls.isEmpty())
         return -1;
     m_app->selectionController->setCurrentTab(QStringLiteral("Edit Tracks"));
-    m_app->selectionController->setEditTrackMatrixIndex(0);
+    m_app->selectionController->setEditTrackMatrixIndex(row);
     openFiles(QStringLiteral("Edit Tracks"), urls);
     if (!loaded(urls.first()))
         return -1;
@@ -374,7 +410,7 @@ int MCCliSession::extract()
         fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
         return -1;
     }
-    m_app->startProcess(QStringLiteral("Extract"));
+    m_app->startProcess(row == 0 ? QStringLiteral("Extract") : QStringLiteral("Remove"));
     return -1;
 }
 

@@ -60,9 +60,18 @@ QString trackLine(const MCSelection &selection, const MCVideoFile &file, const M
         target = videoTarget(selection, track);
     else if (track.trackType == QStringLiteral("Audio"))
         target = audioTarget(track);
-    const bool converting = selection.jobType == QStringLiteral("AVI Conversion");
+    const bool converting = selection.jobType == QStringLiteral("AVI Conversion") || selection.jobType == QStringLiteral("MKV Conversion");
     return QStringLiteral("  %1: %2%3\n").arg(prefix.isEmpty() ? where : prefix, source,
                                                 converting ? QStringLiteral(" -> ") + target : QString());
+}
+
+QString splitLine(const MCSelection &selection)
+{
+    if (selection.splitType == QStringLiteral("size"))
+        return QStringLiteral("  split: %1 pieces of %2 MB\n").arg(selection.splitNumber, selection.splitSize);
+    if (selection.splitType == QStringLiteral("duration"))
+        return QStringLiteral("  split: pieces of %1 seconds\n").arg(selection.splitDurationSeconds);
+    return QStringLiteral("  split: %1 to %2\n").arg(selection.splitStartTimeText, selection.splitEndTimeText);
 }
 
 } // namespace
@@ -92,15 +101,13 @@ QString MCDryRun::describe(const MCSelection &selection, const MCVideoFile &file
                              ? selection.editFilesURLsList.first().toLocalFile()
                              : selection.videoTrackFilePath;
     QString text = QStringLiteral("%1\n  job: %2\n").arg(name, selection.jobType);
-    const bool editingFiles = selection.jobType == QStringLiteral("AVI Joining") || selection.jobType == QStringLiteral("AVI Splitting");
+    const bool splitting = selection.jobType == QStringLiteral("AVI Splitting") || selection.jobType == QStringLiteral("MKV Splitting");
+    const bool editingFiles = splitting || selection.jobType == QStringLiteral("AVI Joining") || selection.jobType == QStringLiteral("MKV Joining");
     if (editingFiles) {
         for (const QUrl &url : selection.editFilesURLsList)
             text += QStringLiteral("  file: %1\n").arg(url.toLocalFile());
-        if (selection.jobType == QStringLiteral("AVI Splitting")) {
-            text += selection.splitType == QStringLiteral("size")
-                        ? QStringLiteral("  split: %1 pieces of %2 MB\n").arg(selection.splitNumber, selection.splitSize)
-                        : QStringLiteral("  split: %1 to %2\n").arg(selection.splitStartTimeText, selection.splitEndTimeText);
-        }
+        if (splitting)
+            text += splitLine(selection);
         return text;
     }
     if (selection.jobType == QStringLiteral("AVI Conversion") && !selection.theDevice.isEmpty()

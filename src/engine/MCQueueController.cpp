@@ -6,6 +6,7 @@
 #include "MCJobJournal.h"
 #include "MCJobStaging.h"
 #include "MCLog.h"
+#include "MCMkvJobRows.h"
 #include "MCPreferences.h"
 #include "MCProgressTableModel.h"
 #include "MCQueueJobModel.h"
@@ -77,7 +78,8 @@ QString MCQueueController::jobClassForType(const QString &jobType)
         return QStringLiteral("MCEditAviJob");
     if (jobType == QStringLiteral("MKV Remux"))
         return QStringLiteral("MCReMuxMkvJob");
-    return {};
+    // Kestrane's own rows beside those four: Matroska conversion and editing.
+    return MCMkvJobRows::jobClassFor(jobType);
 }
 
 void MCQueueController::addToQueue(const MCSelectionPtr &selection)
@@ -107,9 +109,11 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
         job->existingResults = existingResults;
         if (m_journal)
             job->journalId = m_journal->record(job->jobType, fileName, *jobSelection);
+        // Recorded under the type the user chose, so a run again queues the same job.
+        jobSelection->jobType = MCMkvJobRows::branchTypeFor(jobSelection->jobType);
         appendJob(job);
     };
-    if (selection->jobType == QStringLiteral("AVI Splitting")) {
+    if (selection->jobType == QStringLiteral("AVI Splitting") || MCMkvJobRows::oneJobPerFile(selection->jobType)) {
         for (const QUrl &url : selection->editFilesURLsList) {
             MCSelectionPtr copy = selection->copy();
             copy->videoTrackFileURL = url;
@@ -120,6 +124,7 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
     MCSelectionPtr copy = selection->copy();
     if (selection->jobType == QStringLiteral("AVI Conversion") || selection->jobType == QStringLiteral("MKV Remux"))
         copy->trackList += copy->addedAudioTrackList;
+    MCMkvJobRows::prepareJobSelection(*copy);
     makeJob(copy, jobFileNameFor(*selection));
 }
 

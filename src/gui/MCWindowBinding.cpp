@@ -2,6 +2,9 @@
 
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
+#include "MCFormParts.h"
+#include "MCMkvTabBinding.h"
+#include "MCMkvTabPage.h"
 #include "MCMainWindow.h"
 #include "MCPresetSelectionsPanel.h"
 #include "MCPresetSettingsPanel.h"
@@ -29,36 +32,9 @@ namespace {
 
 const QString kDrag = QStringLiteral("drag");
 
-// Replaces a pop-up's items only when they changed, so an open pop-up and
-// its highlighted item survive the many refreshes of a single action.
-void fillCombo(QComboBox *combo, const QStringList &items, const QString &current)
-{
-    QStringList present;
-    for (int i = 0; i < combo->count(); ++i)
-        present << combo->itemText(i);
-    if (present != items) {
-        combo->clear();
-        combo->addItems(items);
-    }
-    const int index = combo->findText(current);
-    if (index >= 0)
-        combo->setCurrentIndex(index);
-    else if (combo->isEditable())
-        combo->setEditText(current);
-}
-
-void checkRow(QButtonGroup *group, int index)
-{
-    if (QAbstractButton *button = group->button(index))
-        button->setChecked(true);
-}
-
-// The user's typing wins over a refresh while the field has the focus.
-void showText(QLineEdit *field, const QString &text)
-{
-    if (!field->hasFocus() && field->text() != text)
-        field->setText(text);
-}
+using MCFormParts::checkRow;
+using MCFormParts::fillCombo;
+using MCFormParts::showText;
 
 // MPEG-4 needs a bit rate: the encoder refuses 0, and an empty or invalid
 // entry reads as 0. Passing the video through needs none.
@@ -87,6 +63,7 @@ MCWindowBinding::MCWindowBinding(MCMainWindow *window, MCAppDelegate *delegate, 
     bindTracks();
     bindPresets();
     bindStartButtons();
+    m_mkvTab = new MCMkvTabBinding(m_window->mkvTab, m_rules, [this] { userChanged(); }, this);
     connect(m_rules, &MCSelectionController::stateChanged, this, &MCWindowBinding::refresh);
     connect(m_rules, &MCSelectionController::endEditingRequested, this, &MCWindowBinding::endTextEditing);
     connect(m_rules, &MCSelectionController::clearTrackHighlight, m_window->trackTable,
@@ -267,7 +244,7 @@ void MCWindowBinding::bindPresetEditors()
 void MCWindowBinding::bindStartButtons()
 {
     MCMainWindow *w = m_window;
-    for (QPushButton *button : {w->convertButton, w->joinButton, w->splitButton, w->remuxButton, w->startTrackEditButton}) {
+    for (QPushButton *button : {w->convertButton, w->mkvTab->convertButton, w->joinButton, w->splitButton, w->remuxButton, w->startTrackEditButton}) {
         connect(button, &QPushButton::clicked, this, [this, button] { m_delegate->startProcess(button->text()); });
     }
 }
@@ -285,6 +262,7 @@ void MCWindowBinding::refresh()
     refreshStatus();
     refreshTracks();
     refreshAviTab();
+    m_mkvTab->refresh();
     refreshEditTabs();
     refreshPresets();
     m_refreshing = false;
@@ -368,10 +346,13 @@ void MCWindowBinding::refreshEditTabs()
     // says whether the values typed so far make a split.
     const bool fileListed = !r.currentSelection()->editFilesURLsList.isEmpty();
     const bool byTime = r.splitTypeMatrixIndex == 0;
+    const bool bySize = r.splitTypeMatrixIndex == 1;
     w->splitStartTime->setEnabled(fileListed && byTime);
     w->splitEndTime->setEnabled(fileListed && byTime);
-    w->splitSize->setEnabled(fileListed && !byTime);
-    w->splitNumber->setEnabled(fileListed && !byTime);
+    w->splitSize->setEnabled(fileListed && bySize);
+    w->splitNumber->setEnabled(fileListed && bySize);
+    w->splitDuration->setEnabled(fileListed && !byTime && !bySize);
+    showText(w->splitDuration, r.enteredSplitDuration);
     w->splitButton->setEnabled(r.canSplit);
     w->joinButton->setEnabled(r.canJoin);
     for (QWidget *control : {static_cast<QWidget *>(w->parWidth), static_cast<QWidget *>(w->parHeight),

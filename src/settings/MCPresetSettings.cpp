@@ -1,5 +1,6 @@
 #include "MCPresetSettings.h"
 
+#include "MCMkvPreset.h"
 #include "MCSelectionController.h"
 #include "MCTextNumbers.h"
 
@@ -111,6 +112,7 @@ QVariantMap MCPresetSettings::makeRecord() const
         {QStringLiteral("pSurroundBitRate"), pSurroundBitRate},
         {QStringLiteral("pAudioAddStereo"), pAudioAddStereo},
         {QStringLiteral("pSubAction"), pSubAction},
+        {QStringLiteral("pTarget"), pTarget},
         {QStringLiteral("isEditable"), isEditable},
     };
 }
@@ -149,6 +151,7 @@ void MCPresetSettings::initFromRecord(const QVariantMap &record)
     readText("pSurroundBitRate", pSurroundBitRate);
     readFlag("pAudioAddStereo", pAudioAddStereo);
     readText("pSubAction", pSubAction);
+    readText("pTarget", pTarget);
     readFlag("isEditable", isEditable);
 }
 
@@ -180,6 +183,11 @@ void MCPresetSettings::makeSettings()
             rules.setCurrentTab(MCSelectionController::tabEditTracks);
             rules.setEditTrackMatrixIndex(0);
         }
+        rules.clearTrackTableHighlight();
+        return;
+    }
+    if (pTarget == targetMkv() && currentVideoFile) {
+        MCMkvPreset::apply(*this, rules, *currentVideoFile);
         rules.clearTrackTableHighlight();
         return;
     }
@@ -285,6 +293,12 @@ void MCPresetSettings::applyAudio()
             break;
         }
     }
+}
+
+const QStringList &MCPresetSettings::targetList()
+{
+    static const QStringList list{targetAvi(), targetMkv()};
+    return list;
 }
 
 const QStringList &MCPresetSettings::typeOfProcessList()

@@ -1,6 +1,8 @@
 #include "MCSelectionController.h"
 
 #include "MCAviRefusal.h"
+#include "MCMkvEditRules.h"
+#include "MCMkvTabRules.h"
 #include "MCNotificationCenter.h"
 #include "MCPresetsController.h"
 #include "MCTextNumbers.h"
@@ -36,6 +38,7 @@ bool isSubtitleType(const QString &type)
 
 MCSelectionController::MCSelectionController(QObject *parent)
     : QObject(parent)
+    , m_mkvTab(new MCMkvTabRules(this))
 {
     m_currentVideoFile = std::make_shared<MCVideoFile>();
     m_currentSelection = std::make_shared<MCSelection>();
@@ -123,6 +126,8 @@ void MCSelectionController::updateTabs()
     canAddTrack = !fileTracks().isEmpty();
     if (m_currentTab == tabAvi)
         updateAviTab();
+    else if (m_currentTab == tabMkv)
+        updateMkvTab();
     else if (m_currentTab == tabEditFiles)
         updateEditFilesTab();
     else if (m_currentTab == tabEditTracks)
@@ -185,6 +190,20 @@ QString MCSelectionController::decideAviTab()
     if (!reason.isEmpty())
         canConvert = false;
     return reason;
+}
+
+void MCSelectionController::updateMkvTab()
+{
+    trackTableEnabled = true;
+    if (fileTracks().isEmpty()) {
+        setStatus(QStringLiteral("Drop Video File(s) in the Table Below"), colorBlack);
+        return;
+    }
+    setStatus(m_currentVideoFile->theFilePath, colorBlack);
+    m_mkvTab->decide(*m_currentSelection, m_audioTrackPopupIndex,
+                     {m_enteredUserVideoBitRate, m_enteredUserWidth, userBitRateOK, userWidthOK});
+    canConvert = m_mkvTab->canConvert;
+    setConvertRefusalText(m_mkvTab->convertRefusalText);
 }
 
 void MCSelectionController::setConvertRefusalText(const QString &text)
@@ -258,6 +277,11 @@ void MCSelectionController::updateEditFilesTab()
         canEditPAR = canSplit = false;
         return;
     }
+    if (MCMkvEditRules::mixesContainers(selection.editFilesURLsList)) {
+        setStatus(QStringLiteral("Kestrane joins and splits AVI and MKV files separately."), colorRed);
+        canEditPAR = canSplit = canJoin = false;
+        return;
+    }
     canEditPAR = canSplit = true;
     if (splitTypeMatrixIndex == 0) {
         selection.splitType = QStringLiteral("time");
@@ -265,6 +289,11 @@ void MCSelectionController::updateEditFilesTab()
     } else if (splitTypeMatrixIndex == 1) {
         selection.splitType = QStringLiteral("size");
         canSplit = integerValue(m_enteredSplitSize) != 0 && integerValue(m_enteredSplitNumber) != 0;
+    } else if (splitTypeMatrixIndex == MCMkvEditRules::splitByDurationRow) {
+        // mkvmerge alone cuts pieces of a duration.
+        selection.splitType = QStringLiteral("duration");
+        canSplit = MCMkvEditRules::allMatroska(selection.editFilesURLsList)
+                   && integerValue(selection.splitDurationSeconds) > 0;
     }
 }
 
@@ -276,14 +305,19 @@ void MCSelectionController::updateEditTracksTab()
                   colorBlack);
         return;
     }
-    if (m_currentVideoFile->theFileExtension.toLower() != QLatin1String("avi")) {
+    const bool matroska = MCMkvEditRules::isMatroska(m_currentVideoFile->theFileExtension);
+    if (m_currentVideoFile->theFileExtension.toLower() != QLatin1String("avi") && !matroska) {
         canEditTracks = false;
         trackTableEnabled = false;
-        setStatus(QStringLiteral("Kestrane can only edit the tracks of AVI videos."), colorRed);
+        setStatus(QStringLiteral("Kestrane can only edit the tracks of AVI and MKV videos."), colorRed);
         return;
     }
     trackTableEnabled = true;
     setStatus(m_currentVideoFile->theFilePath, colorBlack);
+    if (matroska) {
+        canEditTracks = MCMkvEditRules::decideTrackEdit(selection, m_editTrackMatrixIndex);
+        return;
+    }
     if (integerValue(selection.vidCount) != 1 && integerValue(selection.audCount) < 1
         && integerValue(selection.subCount) < 1) {
         canEditTracks = false;
@@ -306,6 +340,8 @@ void MCSelectionController::updateEditTracksTab()
         // The last selected track decides.
         for (const MCVideoTrackPtr &track : selected)
             canEditTracks = track->trackType == kAudio && track->externalTrackFlag;
+    } else {
+        canEditTracks = false; // removing tracks is for MKV files
     }
 }
 
@@ -426,6 +462,8 @@ void MCSelectionController::setEditTrackMatrixIndex(int index)
         editTrackLabel = kExtractLabel;
     else if (index == 1)
         editTrackLabel = kAddLabel;
+    else if (index == MCMkvEditRules::removeTracksRow)
+        editTrackLabel = MCMkvEditRules::removalLabel();
     emit stateChanged();
 }
 

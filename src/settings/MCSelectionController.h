@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class MCMkvTabRules;
 class MCPresetsController;
 struct MCNotification;
 
@@ -82,6 +83,7 @@ class MCSelectionController : public QObject
 
 public:
     static inline const QString tabAvi = QStringLiteral("AVI");
+    static inline const QString tabMkv = QStringLiteral("MKV");
     static inline const QString tabEditFiles = QStringLiteral("Edit Files");
     static inline const QString tabEditTracks = QStringLiteral("Edit Tracks");
     // The sender a click on the track table passes: the user overrides the
@@ -102,6 +104,8 @@ public:
     const std::shared_ptr<MCVideoFile> &currentVideoFile() const { return m_currentVideoFile; }
     void setCurrentVideoFile(std::shared_ptr<MCVideoFile> file);
     MCPresetsController *presetsController() const { return m_presetsController; }
+    // The "MKV" tab's own rows and rules (owned).
+    MCMkvTabRules *mkvTab() const { return m_mkvTab; }
     void setPresetsController(MCPresetsController *controller) { m_presetsController = controller; }
 
     // The decision procedure, run after every change.
@@ -225,6 +229,7 @@ private:
     QString decideAviTab();
     void applyAviRowsTo(MCVideoTrack &track);
     void applyAudioRowTo(MCVideoTrack &track);
+    void updateMkvTab();
     void updateEditFilesTab();
     void updateEditTracksTab();
     void toggleAll(const QStringList &lowerTypes, const QString &selectedCount, const QString &fileCount);
@@ -234,6 +239,7 @@ private:
     MCSelectionPtr m_currentSelection;
     std::shared_ptr<MCVideoFile> m_currentVideoFile;
     MCPresetsController *m_presetsController = nullptr;
+    MCMkvTabRules *m_mkvTab;
     QString m_currentTab = tabAvi;
     QString m_convertRefusalText;
     bool m_canBurnSubtitlesGiven = false;

@@ -151,7 +151,7 @@ TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
     EXPECT_EQ(queued.first()->videoTrackFilePath, second);
 }
 
-TEST_F(AppDelegateTest, EditTabsTakeOnlyAviFiles)
+TEST_F(AppDelegateTest, EditTabsTakeOnlyAviAndMkvFiles)
 {
     const QString notes = writeFile(QStringLiteral("list.txt"), "text\n");
     open(QStringLiteral("Edit Files"), QStringLiteral("drag"), {avi(), notes, avi(QStringLiteral("second.avi"))});
@@ -160,14 +160,17 @@ TEST_F(AppDelegateTest, EditTabsTakeOnlyAviFiles)
     open(QStringLiteral("Edit Files"), QStringLiteral("add"), {notes});
     EXPECT_EQ(app->editFilesPathsArray().size(), 2);
 
-    const QString mkv = clip(QStringLiteral("tracks.mkv"), QStringLiteral("-c:v libx264 -c:a aac"));
-    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mkv});
+    const QString mp4 = clip(QStringLiteral("tracks.mp4"), QStringLiteral("-c:v libx264 -c:a aac"));
+    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mp4});
     EXPECT_EQ(alertTexts(), (QStringList{
-                                QStringLiteral("Error Opening: list.txt / Kestrane can only edit AVI files."),
+                                QStringLiteral("Error Opening: list.txt / Kestrane can only edit AVI and MKV files."),
                                 QStringLiteral("Error Opening: list.txt / Kestrane can't add the track from this file."),
-                                QStringLiteral("Error Opening: tracks.mkv / Kestrane can only edit the tracks of AVI files."),
+                                QStringLiteral("Error Opening: tracks.mp4 / Kestrane can only edit the tracks of AVI and MKV files."),
                             }));
     EXPECT_TRUE(app->currentVideoFile->trackList.isEmpty());
+    const QString mkv = clip(QStringLiteral("tracks.mkv"), QStringLiteral("-c:v libx264 -c:a aac"));
+    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mkv});
+    EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
 }
 
 TEST_F(AppDelegateTest, HeaderRemovalOfferQueuesARemuxOnOk)
