@@ -5,6 +5,7 @@
 #include "MCJob.h"
 #include "MCJobTypes.h"
 #include "MCLog.h"
+#include "MCMkvEditRules.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
 #include "MCQueueController.h"
@@ -29,11 +30,24 @@ const QString kNewFileAdded = QStringLiteral("new file added");
 constexpr double kIntakeAlertSeconds = 5.0;
 constexpr double kSaveFolderAlertSeconds = 10.0;
 constexpr int kBatchDelayMs = 400;
-constexpr int kWatchStartDelayMs = 2000;
 
 bool isAvi(const QUrl &url)
 {
     return QFileInfo(url.toLocalFile()).suffix().toLower() == QStringLiteral("avi");
+}
+
+// The files Edit Files and Edit Tracks take: AVI, and Matroska for the MKV edits.
+bool isEditable(const QUrl &url)
+{
+    return isAvi(url) || MCMkvEditRules::isMatroska(url.toLocalFile());
+}
+
+// An empty or damaged file would make the join or split tools write a
+// result that plays a fraction, or nothing; it is refused as the
+// conversion's intake refuses it.
+bool isReadableVideo(const QUrl &url)
+{
+    return MCVideoFile().initializeForURL(url).toLower() == QStringLiteral("ok");
 }
 
 bool isOneOf(const QString &mode, std::initializer_list<QString> modes)
@@ -93,10 +107,11 @@ void MCAppDelegate::applicationDidFinishLaunching()
     // command line answers "Keep Both" unless told to overwrite).
     queueController->existingResults = MCJob::ExistingResults::Ask;
     watchModeController = new MCWatchModeController(this);
-    connect(watchModeController, &MCWatchModeController::moviesTakenUp, this, [this](const QList<QUrl> &files) {
-        setOpeningFileMode(kWatch);
-        openedFileHubForFiles(files);
-    });
+    watchModeController->takeUpMovie = [this](const QUrl &file, QString &refusal) {
+        const bool taken = takeUpWatchedMovie(file);
+        refusal = m_lastLoadAnswer;
+        return taken;
+    };
     watchModeController->appPreferences = appPreferences;
     watchModeController->queueController = queueController;
     queueController->setWatchModeController(watchModeController);
@@ -150,13 +165,22 @@ void MCAppDelegate::openedFileHubForFiles(const QList<QUrl> &urls)
     if (urls.isEmpty())
         return;
     if (m_openingFileMode == kWatch) {
-        // A watched file is processed at once with the presets in force.
-        if (testNewFileURL(urls.first(), false) == kNewFileAdded)
-            QTimer::singleShot(kWatchStartDelayMs, this, [this] { startJob(); });
+        takeUpWatchedMovie(urls.first());
         return;
     }
     if (testNewFileURL(urls.first(), true) == kNewFileAdded && currentSelection->headerRemovalFlag)
         offerHeaderRemovalRemux();
+}
+
+bool MCAppDelegate::takeUpWatchedMovie(const QUrl &url)
+{
+    setOpeningFileMode(kWatch);
+    setOpenedURLsArray({url});
+    m_lastLoadAnswer.clear();
+    if (testNewFileURL(url, false) != kNewFileAdded)
+        return false;
+    QTimer::singleShot(watchStartDelayMs, this, [this] { startJob(); });
+    return true;
 }
 
 void MCAppDelegate::offerHeaderRemovalRemux()
@@ -190,7 +214,8 @@ void MCAppDelegate::queueRemux()
 QString MCAppDelegate::testNewFileURL(const QUrl &url, bool withAlerts)
 {
     const QString tab = currentTab().toLower();
-    if (tab == QStringLiteral("avi"))
+    // Both conversion tabs take a file and its added tracks alike.
+    if (tab == QStringLiteral("avi") || tab == QStringLiteral("mkv"))
         return testForAviTab(url, withAlerts);
     if (tab == QStringLiteral("edit files"))
         return testForEditFilesTab(withAlerts);
@@ -219,12 +244,14 @@ QString MCAppDelegate::testForEditFilesTab(bool withAlerts)
     if (!adding)
         editFilesURLsArray.clear();
     const QString refusal = adding ? QStringLiteral("Kestrane can't add the track from this file.")
-                                   : QStringLiteral("Kestrane can only edit AVI files.");
+                                   : QStringLiteral("Kestrane can only edit AVI and MKV files.");
     for (const QUrl &url : std::as_const(m_openedURLsArray)) {
-        if (isAvi(url))
-            editFilesURLsArray.append(url);
-        else
+        if (!isEditable(url))
             alertErrorOpening(url, refusal, withAlerts);
+        else if (!isReadableVideo(url))
+            alertErrorOpening(url, QStringLiteral("Kestrane could not identify this file as a video!!!!!!!!!."), withAlerts);
+        else
+            editFilesURLsArray.append(url);
     }
     m_editFilesPathsArray.clear();
     for (const QUrl &url : std::as_const(editFilesURLsArray))
@@ -243,9 +270,9 @@ QString MCAppDelegate::testForEditTracksTab(const QUrl &url, bool withAlerts)
     } else if (meaning == QStringLiteral("not a video file")) {
         alertErrorOpening(url, QStringLiteral("Kestrane can't open this file."), withAlerts);
     } else if (meaning == QStringLiteral("replace file")) {
-        if (isAvi(url))
+        if (isEditable(url))
             return loadRule(url, withAlerts);
-        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI files."), withAlerts);
+        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI and MKV files."), withAlerts);
     }
     return {};
 }
@@ -344,8 +371,15 @@ bool MCAppDelegate::checkSaveFolderIsWritable()
     if (folder.isDir() && folder.isWritable())
         return true;
     MCAlert alert;
-    alert.message = QStringLiteral("Kestrane does not have permision to write to the save folder for this job.");
-    alert.informativeText = QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder.");
+    if (!folder.exists()) {
+        // A folder that is gone (an unplugged disk, a typo) is not a
+        // permission problem; saying so would send the user the wrong way.
+        alert.message = QStringLiteral("The save folder for this job does not exist.");
+        alert.informativeText = QStringLiteral("Create the folder or change the save location: %1").arg(folder.filePath());
+    } else {
+        alert.message = QStringLiteral("Kestrane does not have permision to write to the save folder for this job.");
+        alert.informativeText = QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder.");
+    }
     alert.timeoutSeconds = kSaveFolderAlertSeconds;
     MCAlertCenter::instance().present(alert);
     return false;
@@ -394,8 +428,9 @@ bool MCAppDelegate::startJob(const QString &jobType)
         return true;
     }
     if (currentTab() == MCWords::tabEditFiles) {
+        // Join and Split name the AVI jobs; Matroska files take the MKV ones.
         if (!jobType.isEmpty())
-            currentSelection->jobType = jobType;
+            currentSelection->jobType = MCMkvEditRules::fileEditJobType(jobType, currentSelection->editFilesURLsList);
         queueCurrentSelection();
         return true;
     }

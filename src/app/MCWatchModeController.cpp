@@ -26,11 +26,20 @@ QString sizeText(const QUrl &file)
 const QString MCWatchModeController::invalidFolderMessage =
     QStringLiteral("must select a valid directory to start watch mode");
 
+// A job appears when the intake starts it; this is how long that may take.
+constexpr int kJobAppearsWithinMs = MCAppDelegate::watchStartDelayMs + 3000;
+// Spacing between two movies handed to the intake: the first has started.
+constexpr int kIntakeSpacingMs = MCAppDelegate::watchStartDelayMs + 500;
+
 MCWatchModeController::MCWatchModeController(QObject *parent)
     : QObject(parent)
+    , m_followUp(kJobAppearsWithinMs)
 {
     m_watchTimer.setInterval(watchIntervalMs);
     connect(&m_watchTimer, &QTimer::timeout, this, &MCWatchModeController::watchLoop);
+    m_intakeTimer.setSingleShot(true);
+    m_intakeTimer.setInterval(kIntakeSpacingMs);
+    connect(&m_intakeTimer, &QTimer::timeout, this, &MCWatchModeController::handOnNext);
 }
 
 QStringList MCWatchModeController::movieExtensionsList() const
@@ -93,6 +102,8 @@ void MCWatchModeController::startWatchMode(bool bySender)
 void MCWatchModeController::endWatchMode()
 {
     m_watchTimer.stop();
+    m_intakeTimer.stop();
+    m_waitingForIntake.clear();
     emit toggleWindowsRequested(false);
     QTimer::singleShot(windowDelayMs, this, &MCWatchModeController::delayedOpenDrawer);
     setAppIsInWatchMode(false);
@@ -187,6 +198,7 @@ void MCWatchModeController::watchLoop()
     // its old files do not all count as new when it comes back.
     if (!QFileInfo(watchFolderURL.toLocalFile()).isDir())
         return;
+    followTakenUpMovies();
     const QList<QUrl> current = currentMovies();
     if (current.isEmpty()) {
         baseWatchFolderMovieList.clear();
@@ -250,9 +262,58 @@ void MCWatchModeController::handOnStableFiles()
 {
     if (toProcessList.isEmpty())
         return;
-    for (const QUrl &file : std::as_const(toProcessList))
-        MCLog::line(QStringLiteral("Watch folder: taking up %1").arg(file.toLocalFile()));
-    const QList<QUrl> files = toProcessList;
+    m_waitingForIntake << toProcessList;
     toProcessList.clear();
-    emit moviesTakenUp(files);
+    if (!m_intakeTimer.isActive())
+        handOnNext();
+}
+
+void MCWatchModeController::handOnNext()
+{
+    while (!m_waitingForIntake.isEmpty()) {
+        const QUrl file = m_waitingForIntake.takeFirst();
+        MCLog::line(QStringLiteral("Watch folder: taking up %1").arg(file.toLocalFile()));
+        emit moviesTakenUp({file});
+        if (!takeUpMovie)
+            continue;
+        const quint64 newest = queueController ? MCWatchModeFollowUp::newestSerial(queueController->qJobList()) : 0;
+        QString refusal;
+        if (takeUpMovie(file, refusal)) {
+            m_followUp.handedOn(file, newest);
+            m_intakeTimer.start();
+            return;
+        }
+        // Half-written, damaged or not a movie at all: said in the log, and
+        // tried again once it holds its size.
+        const QString answer = refusal.isEmpty() ? QStringLiteral("not a movie Kestrane can read") : refusal;
+        MCLog::line(QStringLiteral("Watch folder: %1 refused: %2").arg(file.toLocalFile(), answer));
+        settle(m_followUp.refused(file, answer));
+    }
+}
+
+void MCWatchModeController::followTakenUpMovies()
+{
+    if (!queueController)
+        return;
+    for (const MCWatchModeFollowUp::Outcome &outcome : m_followUp.check(queueController->qJobList()))
+        settle(outcome);
+}
+
+void MCWatchModeController::settle(const MCWatchModeFollowUp::Outcome &outcome)
+{
+    const QString path = outcome.file.toLocalFile();
+    if (outcome.verdict == MCWatchModeFollowUp::Verdict::GiveUp) {
+        MCLog::line(QStringLiteral("Watch folder: gave up on %1 after %2 attempts: %3")
+                        .arg(path)
+                        .arg(MCWatchModeFollowUp::maxAttempts)
+                        .arg(outcome.reason));
+        emit movieGivenUp(outcome.file, outcome.reason);
+        return;
+    }
+    MCLog::line(QStringLiteral("Watch folder: %1 will be tried again once it holds its size (%2)").arg(path, outcome.reason));
+    // Back to the growing files: handed on again after a scan that sees
+    // the size it has now.
+    baseWatchFolderMovieList.removeAll(outcome.file);
+    monitorWatchFolderMovieList.removeIf([&](const QVariantMap &record) { return record.value(kFileURL).toUrl() == outcome.file; });
+    monitorWatchFolderMovieList << QVariantMap{{kFileURL, outcome.file}, {kOldSize, sizeText(outcome.file)}};
 }

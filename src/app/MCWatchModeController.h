@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MCWatchModeFollowUp.h"
 #include "MCWatchModeLink.h"
 
 #include <QHash>
@@ -9,6 +10,8 @@
 #include <QTimer>
 #include <QUrl>
 #include <QVariantMap>
+
+#include <functional>
 
 class MCPreferences;
 class MCQueueController;
@@ -28,6 +31,11 @@ public:
 
     MCPreferences *appPreferences = nullptr;
     MCQueueController *queueController = nullptr;
+    // The intake's answer for one settled movie: true once it loaded and its
+    // job is on the way; false with the reason otherwise (then it is tried
+    // again). Set by whoever takes movies in; without it movies are only
+    // announced through moviesTakenUp.
+    std::function<bool(const QUrl &file, QString &refusal)> takeUpMovie;
 
     QUrl watchFolderURL;
     QList<QUrl> baseWatchFolderMovieList;
@@ -56,6 +64,8 @@ public:
     static QRect frameLevelWithTopOf(const QRect &other, const QSize &size);
 
     bool isScanning() const { return m_watchTimer.isActive(); }
+    // Movies tried maxAttempts times and left alone, as "PATH: REASON".
+    const QStringList &givenUpMovies() const { return m_followUp.givenUp(); }
     QString watchFolderPath() const { return m_watchFolderPath; }
 
     bool appIsInWatchMode() const override { return m_appIsInWatchMode; }
@@ -70,6 +80,8 @@ signals:
     void folderChooserRequested();
     // Files found complete in this scan, for the intake to take.
     void moviesTakenUp(const QList<QUrl> &files);
+    // A movie refused or failed too often; it is not tried again.
+    void movieGivenUp(const QUrl &file, const QString &reason);
 
 private:
     void setAppIsInWatchMode(bool on);
@@ -79,8 +91,16 @@ private:
     void forgetRecordsOfFilesThatLeft(const QList<QUrl> &current);
     void checkGrowingFiles();
     void handOnStableFiles();
+    void handOnNext();
+    void followTakenUpMovies();
+    void settle(const MCWatchModeFollowUp::Outcome &outcome);
 
     QTimer m_watchTimer;
+    // Movies that settled together go to the intake one at a time: each
+    // loads into the one current file and starts a moment later.
+    QList<QUrl> m_waitingForIntake;
+    QTimer m_intakeTimer;
+    MCWatchModeFollowUp m_followUp;
     bool m_appIsInWatchMode = false;
     QString m_watchFolderPath;
     // Results Kestrane announced; true once seen in the folder, so that a

@@ -1,5 +1,7 @@
 #include "MCCliAlertPresenter.h"
 
+#include "MCTerminalText.h"
+
 #include <cstdio>
 
 MCCliAlertPresenter::MCCliAlertPresenter(Answerer answerer)
@@ -24,9 +26,7 @@ void MCCliAlertPresenter::present(const MCAlert &alert, std::function<void(int)>
     // one line says it.
     const QString text = lineFor(alert);
     if (text != m_lastLine) {
-        const QByteArray line = (text + QLatin1Char('\n')).toUtf8();
-        std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
-        std::fflush(stderr);
+        MCTerminalText::print(stderr, text + QLatin1Char('\n'));
     }
     m_lastLine = text;
     int code = MCAlertFirstButtonReturn;

@@ -74,6 +74,7 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("version"), false, {}, [](MCCliOptions &o, const QString &) { o.version = true; return std::optional<QString>(); }},
         {QStringLiteral("dry-run"), false, {}, [](MCCliOptions &o, const QString &) { o.dryRun = true; return std::optional<QString>(); }},
         {QStringLiteral("overwrite"), false, {}, [](MCCliOptions &o, const QString &) { o.overwrite = true; return std::optional<QString>(); }},
+        {QStringLiteral("resume"), false, {}, [](MCCliOptions &o, const QString &) { o.resume = true; return std::optional<QString>(); }},
         {QStringLiteral("quiet"), false, {}, [](MCCliOptions &o, const QString &) { o.quiet = true; return std::optional<QString>(); }},
         {QStringLiteral("settings"), true, {}, [](MCCliOptions &o, const QString &v) { o.settingsFile = v; return std::optional<QString>(); }},
         {QStringLiteral("save-dir"), true, {}, [](MCCliOptions &o, const QString &v) { o.saveDir = v; return std::optional<QString>(); }},
@@ -81,7 +82,10 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("selection-preset"), true, {QStringLiteral("convert"), QStringLiteral("extract"), QStringLiteral("watch")},
          [](MCCliOptions &o, const QString &v) { o.selectionPreset = v; return std::optional<QString>(); }},
         {QStringLiteral("settings-preset"), true, {QStringLiteral("convert"), QStringLiteral("watch")}, [](MCCliOptions &o, const QString &v) { o.settingsPreset = v; return std::optional<QString>(); }},
-        {QStringLiteral("tracks"), true, {QStringLiteral("convert"), QStringLiteral("extract")}, [](MCCliOptions &o, const QString &v) { return trackList(v, o); }},
+        {QStringLiteral("tracks"), true, {QStringLiteral("convert"), QStringLiteral("extract"), QStringLiteral("remove-tracks")},
+         [](MCCliOptions &o, const QString &v) { return trackList(v, o); }},
+        {QStringLiteral("to"), true, kConvert,
+         [](MCCliOptions &o, const QString &v) { return oneOf(QStringLiteral("--to"), v, {QStringLiteral("avi"), QStringLiteral("mkv")}, o.target); }},
         {QStringLiteral("device"), true, kChoices,
          [](MCCliOptions &o, const QString &v) {
              return oneOf(QStringLiteral("--device"), v, {QStringLiteral("General"), QStringLiteral("DivX DVD"), QStringLiteral("PS3"), QStringLiteral("Xbox")}, o.device);
@@ -94,13 +98,20 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("width"), true, kChoices, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--width"), v, o.width); }},
         {QStringLiteral("audio"), true, kChoices,
          [](MCCliOptions &o, const QString &v) {
-             return oneOf(QStringLiteral("--audio"), v, {QStringLiteral("passthru"), QStringLiteral("mp3"), QStringLiteral("ac3")}, o.audio);
+             // Which of them the target takes is checked once every option is read.
+             return oneOf(QStringLiteral("--audio"), v,
+                          {QStringLiteral("passthru"), QStringLiteral("mp3"), QStringLiteral("ac3"), QStringLiteral("aac"),
+                           QStringLiteral("aac-5.1")},
+                          o.audio);
          }},
         {QStringLiteral("audio-bitrate"), true, kChoices,
          [](MCCliOptions &o, const QString &v) { return oneOf(QStringLiteral("--audio-bitrate"), v, MCCliOptions::audioBitRates(), o.audioBitrate); }},
         {QStringLiteral("stereo-copy"), false, kChoices, [](MCCliOptions &o, const QString &) { o.stereoCopy = true; return std::optional<QString>(); }},
         {QStringLiteral("subtitles"), true, kChoices,
-         [](MCCliOptions &o, const QString &v) { return oneOf(QStringLiteral("--subtitles"), v, {QStringLiteral("burn"), QStringLiteral("extract")}, o.subtitles); }},
+         [](MCCliOptions &o, const QString &v) {
+             return oneOf(QStringLiteral("--subtitles"), v,
+                          {QStringLiteral("burn"), QStringLiteral("extract"), QStringLiteral("mux"), QStringLiteral("drop")}, o.subtitles);
+         }},
         {QStringLiteral("remux-header-removal"), true, kConvert,
          [](MCCliOptions &o, const QString &v) {
              return oneOf(QStringLiteral("--remux-header-removal"), v, {QStringLiteral("yes"), QStringLiteral("no")}, o.remuxHeaderRemoval);
@@ -112,6 +123,8 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("time"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return timeRange(v, o); }},
         {QStringLiteral("size"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--size"), v, o.sizeMB); }},
         {QStringLiteral("pieces"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--pieces"), v, o.pieces); }},
+        {QStringLiteral("duration"), true, {QStringLiteral("split")},
+         [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--duration"), v, o.durationSeconds); }},
     };
     return rules;
 }
@@ -149,15 +162,43 @@ std::optional<QString> checkPresetsRules(const MCCliOptions &options)
     return std::nullopt;
 }
 
+// The choices each conversion target takes.
+std::optional<QString> checkTargetChoices(const MCCliOptions &options)
+{
+    const QStringList audio = options.intoMkv()
+                                  ? QStringList{QStringLiteral("passthru"), QStringLiteral("aac"), QStringLiteral("aac-5.1"), QStringLiteral("ac3")}
+                                  : QStringList{QStringLiteral("passthru"), QStringLiteral("mp3"), QStringLiteral("ac3")};
+    const QStringList subtitles = options.intoMkv() ? QStringList{QStringLiteral("mux"), QStringLiteral("drop")}
+                                                    : QStringList{QStringLiteral("burn"), QStringLiteral("extract")};
+    const QString into = options.intoMkv() ? QStringLiteral("MKV") : QStringLiteral("AVI");
+    if (!options.audio.isEmpty() && !audio.contains(options.audio))
+        return QStringLiteral("invalid argument '%1' for '--audio' into %2 (valid: %3)").arg(options.audio, into, audio.join(QStringLiteral(", ")));
+    if (!options.subtitles.isEmpty() && !subtitles.contains(options.subtitles))
+        return QStringLiteral("invalid argument '%1' for '--subtitles' into %2 (valid: %3)")
+            .arg(options.subtitles, into, subtitles.join(QStringLiteral(", ")));
+    if (options.intoMkv() && !options.device.isEmpty())
+        return QStringLiteral("--device is for AVI conversions");
+    if (options.intoMkv() && !options.audioBitrate.isEmpty())
+        return QStringLiteral("--audio-bitrate is for AVI conversions (into MKV each audio choice has its own bit rate)");
+    return std::nullopt;
+}
+
 std::optional<QString> checkCommandRules(const MCCliOptions &options)
 {
     if (options.command == QStringLiteral("presets"))
         return checkPresetsRules(options);
+    if (options.command == QStringLiteral("convert")) {
+        if (const std::optional<QString> error = checkTargetChoices(options))
+            return error;
+    }
+    if (options.command == QStringLiteral("remove-tracks") && !options.tracks)
+        return QStringLiteral("remove-tracks needs --tracks LIST (the tracks to remove)");
     if (options.command == QStringLiteral("split")) {
         const bool byTime = !options.startTime.isEmpty();
         const bool bySize = !options.sizeMB.isEmpty() || !options.pieces.isEmpty();
-        if (byTime == bySize)
-            return QStringLiteral("split needs either --time HH:MM:SS-HH:MM:SS or --size MB --pieces N");
+        const bool byDuration = !options.durationSeconds.isEmpty();
+        if (int(byTime) + int(bySize) + int(byDuration) != 1)
+            return QStringLiteral("split needs one of --time HH:MM:SS-HH:MM:SS, --size MB --pieces N or --duration SECONDS");
         if (bySize && (options.sizeMB.isEmpty() || options.pieces.isEmpty()))
             return QStringLiteral("split by size needs both --size MB and --pieces N");
         if (options.files.size() != 1)
@@ -167,7 +208,9 @@ std::optional<QString> checkCommandRules(const MCCliOptions &options)
         return QStringLiteral("add-audio needs an AVI file and at least one audio file");
     if (options.command == QStringLiteral("join") && options.files.size() < 2)
         return QStringLiteral("join needs at least two files");
-    if ((options.command == QStringLiteral("extract") || options.command == QStringLiteral("remux")) && options.files.size() != 1)
+    if ((options.command == QStringLiteral("extract") || options.command == QStringLiteral("remux")
+         || options.command == QStringLiteral("remove-tracks"))
+        && options.files.size() != 1)
         return QStringLiteral("%1 takes exactly one file").arg(options.command);
     if (options.command == QStringLiteral("watch")) {
         if (options.files.size() != 1)
@@ -185,14 +228,14 @@ std::optional<QString> checkCommandRules(const MCCliOptions &options)
 bool MCCliOptions::hasExplicitSettings() const
 {
     return !device.isEmpty() || !video.isEmpty() || !bitrate.isEmpty() || !width.isEmpty() || !audio.isEmpty()
-           || !audioBitrate.isEmpty() || stereoCopy || !subtitles.isEmpty();
+           || !audioBitrate.isEmpty() || stereoCopy || !subtitles.isEmpty() || !target.isEmpty();
 }
 
 const QStringList &MCCliOptions::commands()
 {
     static const QStringList names{QStringLiteral("inspect"), QStringLiteral("convert"), QStringLiteral("join"), QStringLiteral("split"),
-                                   QStringLiteral("extract"), QStringLiteral("add-audio"), QStringLiteral("remux"), QStringLiteral("watch"),
-                                   QStringLiteral("presets")};
+                                   QStringLiteral("extract"), QStringLiteral("remove-tracks"), QStringLiteral("add-audio"),
+                                   QStringLiteral("remux"), QStringLiteral("watch"), QStringLiteral("presets")};
     return names;
 }
 
@@ -253,6 +296,12 @@ std::optional<QString> MCCliOptions::parse(const QStringList &arguments, MCCliOp
     }
     if (out.help || out.version)
         return std::nullopt;
+    if (out.resume) {
+        // The jobs come from the journal, with the files and choices they had.
+        if (!out.command.isEmpty() || !pending.isEmpty())
+            return QStringLiteral("--resume takes no command and no file");
+        return std::nullopt;
+    }
     if (out.command.isEmpty())
         return QStringLiteral("no command given");
     if (!commands().contains(out.command))

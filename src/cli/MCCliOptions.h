@@ -20,6 +20,7 @@ struct MCCliOptions
     bool dryRun = false;
     bool quiet = false;
     bool overwrite = false; // a result may take the place of a file of its name
+    bool resume = false;    // run the jobs an earlier, killed run left unfinished
     QString settingsFile;
     QString saveDir;
 
@@ -34,10 +35,11 @@ struct MCCliOptions
     QString video;   // passthru, mpeg4, mpeg4-2pass
     QString bitrate; // kbit/s
     QString width;
-    QString audio;   // passthru, mp3, ac3
+    QString target;  // avi (the default), mkv
+    QString audio;   // passthru, mp3, ac3; into MKV passthru, aac, aac-5.1, ac3
     QString audioBitrate;
     bool stereoCopy = false;
-    QString subtitles; // burn, extract
+    QString subtitles; // burn, extract; into MKV mux, drop
     QString remuxHeaderRemoval; // yes, no; empty: no
 
     // presets add-selection: "none", "all", a track number or properties
@@ -49,7 +51,9 @@ struct MCCliOptions
     QString endTime;
     QString sizeMB;
     QString pieces;
+    QString durationSeconds; // MKV only: pieces of this many seconds
 
+    bool intoMkv() const { return target == QStringLiteral("mkv"); }
     // Whether any of the explicit conversion choices was given.
     bool hasExplicitSettings() const;
 

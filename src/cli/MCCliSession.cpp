@@ -3,9 +3,13 @@
 #include "MCAlertCenter.h"
 #include "MCAppDelegate.h"
 #include "MCCliAlertPresenter.h"
+#include "MCCliMkvChoices.h"
+#include "MCCliResume.h"
 #include "MCDryRun.h"
+#include "MCInputFileCheck.h"
 #include "MCJob.h"
 #include "MCJobWatcher.h"
+#include "MCMkvEditRules.h"
 #include "MCPreferences.h"
 #include "MCPresetCatalog.h"
 #include "MCPresetsController.h"
@@ -13,6 +17,7 @@
 #include "MCQueueController.h"
 #include "MCSelectionController.h"
 #include "MCSignalWatcher.h"
+#include "MCTerminalText.h"
 #include "MCVideoFile.h"
 #include "MCWatchModeController.h"
 #include "MCWords.h"
@@ -35,9 +40,7 @@ constexpr int kPollMs = 100;
 
 void printError(const QString &text)
 {
-    const QByteArray bytes = (text + QLatin1Char('\n')).toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
-    std::fflush(stderr);
+    MCTerminalText::print(stderr, text + QLatin1Char('\n'));
 }
 
 QString fileNameOf(const QString &path)
@@ -80,6 +83,10 @@ int MCCliSession::run()
         return usage;
     auto *signalWatcher = new MCSignalWatcher(this);
     connect(signalWatcher, &MCSignalWatcher::signalled, this, &MCCliSession::interrupted);
+    if (m_options.resume)
+        return MCCliResume::runAgain(*m_app) > 0 ? finish() : 0;
+    if (!m_options.dryRun)
+        MCCliResume::tellOfInterruptedJobs(*m_app);
 
     const QString &command = m_options.command;
     int usage = -1;
@@ -91,6 +98,8 @@ int MCCliSession::run()
         usage = split();
     else if (command == QStringLiteral("extract"))
         usage = extract();
+    else if (command == QStringLiteral("remove-tracks"))
+        usage = removeTracks();
     else if (command == QStringLiteral("add-audio"))
         usage = addAudio();
     else if (command == QStringLiteral("remux"))
@@ -165,15 +174,10 @@ QList<QUrl> MCCliSession::checkedFiles(const QStringList &paths)
 {
     QList<QUrl> urls;
     for (const QString &path : paths) {
-        const QFileInfo info(path);
-        if (!info.exists())
-            fail(QStringLiteral("%1: %2: No such file or directory").arg(kProgram, path));
-        else if (!info.isFile())
-            fail(QStringLiteral("%1: %2: Not a regular file").arg(kProgram, path));
-        else if (!info.isReadable())
-            fail(QStringLiteral("%1: %2: Permission denied").arg(kProgram, path));
+        if (const QString problem = MCInputFileCheck::problem(path); !problem.isEmpty())
+            fail(QStringLiteral("%1: %2: %3").arg(kProgram, path, problem));
         else
-            urls << QUrl::fromLocalFile(info.absoluteFilePath());
+            urls << QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
     }
     return urls;
 }
@@ -205,6 +209,14 @@ bool MCCliSession::selectTracks(const QList<int> &positions, const QUrl &url)
 void MCCliSession::applyExplicitSettings()
 {
     MCSelectionController *rules = m_app->selectionController;
+    // --to wins over the target of a settings preset.
+    if (const QString wanted = m_options.intoMkv() ? MCWords::tabMkv : MCWords::tabAvi;
+        !m_options.target.isEmpty() && rules->currentTab() != wanted)
+        rules->setCurrentTab(wanted);
+    if (rules->currentTab() == MCWords::tabMkv) {
+        MCCliMkvChoices::apply(m_options, *rules);
+        return;
+    }
     if (m_options.stereoCopy)
         rules->chooseStereoCopy(true);
     if (!m_options.device.isEmpty())
@@ -229,7 +241,7 @@ void MCCliSession::takeSelection(const MCSelectionPtr &selection)
     // A watched folder's movies converted to AVI are refused alike.
     // A settings preset may make "convert" another job (extracting tracks):
     // only a conversion takes the explicit choices and the conversion check.
-    const bool converting = selection->jobType == MCWords::jobAviConversion
+    const bool converting = (selection->jobType == MCWords::jobAviConversion || selection->jobType == MCWords::jobMkvConversion)
                             && (m_options.command == QStringLiteral("convert") || m_options.command == QStringLiteral("watch"));
     if (converting) {
         // A file that did not load has had its alert already.
@@ -260,12 +272,20 @@ bool MCCliSession::startAllowed(QString *why) const
     MCSelectionController *rules = m_app->selectionController;
     const QString &command = m_options.command;
     if (command == QStringLiteral("join") && !rules->canJoin) {
-        *why = QStringLiteral("cannot join: it takes at least two AVI files");
+        *why = QStringLiteral("cannot join: it takes at least two AVI files or at least two MKV files");
+        return false;
+    }
+    if (command == QStringLiteral("split") && !rules->canSplit && !m_options.durationSeconds.isEmpty()) {
+        *why = QStringLiteral("cannot split: only MKV files are split by duration");
         return false;
     }
     if (command == QStringLiteral("split") && !rules->canSplit) {
         *why = m_options.startTime.isEmpty() ? QStringLiteral("cannot split: size and number of pieces must be whole numbers above 0")
                                              : QStringLiteral("cannot split: the end time must come after the start time");
+        return false;
+    }
+    if (command == QStringLiteral("remove-tracks") && !rules->canEditTracks) {
+        *why = QStringLiteral("cannot remove tracks: it takes an MKV file, and at least one of its tracks must stay");
         return false;
     }
     if ((command == QStringLiteral("extract") || command == QStringLiteral("add-audio")) && !rules->canEditTracks) {
@@ -284,9 +304,13 @@ int MCCliSession::convert()
     if (urls.isEmpty())
         return -1;
     // The files open where the settings preset works ("Extract Tracks"
-    // extracts); opening them elsewhere would cancel the preset.
+    // extracts); opening them elsewhere would cancel the preset. --to names
+    // the conversion's tab itself.
     const QString presetTab = MCPresetCatalog(*m_app->presetsController).tabOfChosenSettings();
-    openFiles(presetTab.isEmpty() ? MCWords::tabAvi : presetTab, urls);
+    if (!m_options.target.isEmpty())
+        openFiles(m_options.intoMkv() ? MCWords::tabMkv : MCWords::tabAvi, urls);
+    else
+        openFiles(presetTab.isEmpty() ? MCWords::tabAvi : presetTab, urls);
     if (urls.size() == 1) {
         if (!loaded(urls.first()))
             return -1;
@@ -325,6 +349,9 @@ int MCCliSession::split()
         rules->splitTypeMatrixIndex = 0;
         rules->setSplitStartTime(m_options.startTime);
         rules->setSplitEndTime(m_options.endTime);
+    } else if (!m_options.durationSeconds.isEmpty()) {
+        rules->splitTypeMatrixIndex = MCMkvEditRules::splitByDurationRow;
+        rules->setSplitDuration(MCCliMkvChoices::durationText(m_options.durationSeconds));
     } else {
         rules->splitTypeMatrixIndex = 1;
         rules->setEnteredSplitSize(m_options.sizeMB);
@@ -342,11 +369,21 @@ int MCCliSession::split()
 
 int MCCliSession::extract()
 {
+    return editTracks(0);
+}
+
+int MCCliSession::removeTracks()
+{
+    return editTracks(MCMkvEditRules::removeTracksRow);
+}
+
+int MCCliSession::editTracks(int row)
+{
     const QList<QUrl> urls = checkedFiles(m_options.files);
     if (urls.isEmpty())
         return -1;
     m_app->selectionController->setCurrentTab(MCWords::tabEditTracks);
-    m_app->selectionController->setEditTrackMatrixIndex(0);
+    m_app->selectionController->setEditTrackMatrixIndex(row);
     openFiles(MCWords::tabEditTracks, urls);
     if (!loaded(urls.first()))
         return -1;
@@ -467,6 +504,10 @@ int MCCliSession::watch()
     connect(watchMode, &MCWatchModeController::moviesTakenUp, this, [this](const QList<QUrl> &files) {
         for (const QUrl &file : files)
             m_printer->note(QStringLiteral("New movie: %1").arg(file.toLocalFile()));
+    });
+    connect(watchMode, &MCWatchModeController::movieGivenUp, this, [this](const QUrl &file, const QString &reason) {
+        fail(QStringLiteral("%1: %2: not converted after %3 attempts: %4")
+                 .arg(kProgram, file.toLocalFile()).arg(MCWatchModeFollowUp::maxAttempts).arg(reason));
     });
     m_printer->note(QStringLiteral("Watching %1 (Ctrl-C to stop)").arg(folder));
 

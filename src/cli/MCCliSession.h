@@ -40,6 +40,10 @@ private:
     int join();
     int split();
     int extract();
+    // Removes the tracks --tracks names from an MKV file.
+    int removeTracks();
+    // Edit Tracks with that row, on the tracks --tracks names (or the preset's).
+    int editTracks(int row);
     int addAudio();
     int remux();
     // Runs until a signal; answers the exit status.

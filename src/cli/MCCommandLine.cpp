@@ -3,7 +3,9 @@
 #include "MCCliOptions.h"
 #include "MCCliPresets.h"
 #include "MCCliSession.h"
+#include "MCInputFileCheck.h"
 #include "MCJsonReport.h"
+#include "MCTerminalText.h"
 #include "MCVideoFile.h"
 
 #include <QCoreApplication>
@@ -17,15 +19,19 @@ namespace {
 
 void printOut(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
-    std::fflush(stdout);
+    MCTerminalText::print(stdout, text);
 }
 
 void printError(const QString &text)
 {
-    const QByteArray bytes = (text + QLatin1Char('\n')).toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+    MCTerminalText::print(stderr, text + QLatin1Char('\n'));
+}
+
+// JSON escapes control characters itself; its text is printed as it is.
+void printJson(const QByteArray &json)
+{
+    std::fwrite(json.constData(), 1, static_cast<size_t>(json.size()), stdout);
+    std::fflush(stdout);
 }
 
 } // namespace
@@ -63,9 +69,8 @@ int MCCommandLine::inspect(const MCCliOptions &options)
     QJsonArray files;
     for (const QString &path : options.files) {
         const QFileInfo info(path);
-        if (!info.isFile()) {
-            printError(QStringLiteral("kestrane-cli: %1: %2").arg(path, info.exists() ? QStringLiteral("Not a regular file")
-                                                                                      : QStringLiteral("No such file or directory")));
+        if (const QString problem = MCInputFileCheck::problem(path); !problem.isEmpty()) {
+            printError(QStringLiteral("kestrane-cli: %1: %2").arg(path, problem));
             status = 1;
             continue;
         }
@@ -82,7 +87,7 @@ int MCCommandLine::inspect(const MCCliOptions &options)
             printOut(file.stringFromFileProperties());
     }
     if (options.json)
-        printOut(QString::fromUtf8(QJsonDocument(files).toJson(QJsonDocument::Indented)));
+        printJson(QJsonDocument(files).toJson(QJsonDocument::Indented));
     return status;
 }
 
@@ -95,14 +100,16 @@ QString MCCommandLine::helpText()
 {
     return QStringLiteral(
         "Usage: kestrane-cli COMMAND [OPTION]... FILE...\n"
+        "  or:  kestrane-cli --resume [--settings FILE]\n"
         "Convert and edit video files with Kestrane's presets and jobs, without a window.\n"
         "\n"
         "Commands:\n"
         "  inspect FILE...           print each file's properties and tracks\n"
-        "  convert FILE...           convert to an MPEG-4 AVI (several files: a batch)\n"
-        "  join FILE...              join AVI files into one\n"
-        "  split FILE                split an AVI file by time or by size\n"
-        "  extract FILE              extract tracks of an AVI file into files of their own\n"
+        "  convert FILE...           convert to an MPEG-4 AVI, or an MKV (several files: a batch)\n"
+        "  join FILE...              join AVI files, or MKV files, into one\n"
+        "  split FILE                split an AVI or MKV file by time or by size (MKV: duration)\n"
+        "  extract FILE              extract tracks of an AVI or MKV file into files of their own\n"
+        "  remove-tracks FILE        copy an MKV file without the tracks --tracks lists\n"
         "  add-audio FILE AUDIO...   add audio files as tracks of an AVI file\n"
         "  remux FILE                copy an MKV file without header-removal compression\n"
         "  watch DIR                 convert every new movie put into DIR (or below it)\n"
@@ -119,14 +126,16 @@ QString MCCommandLine::helpText()
         "      --selection-preset NAME   track-selection preset (default \"First Track\")\n"
         "      --settings-preset NAME    settings preset (default \"Manual\")\n"
         "      --tracks LIST         tracks to use, by position: 1,2,4\n"
+        "      --to TARGET           avi (default) or mkv\n"
         "      --device NAME         General, DivX DVD, PS3 or Xbox\n"
         "      --video MODE          passthru, mpeg4 or mpeg4-2pass\n"
         "      --bitrate KBPS        video bit rate\n"
         "      --width PX            video width (never above the source's)\n"
-        "      --audio MODE          passthru, mp3 or ac3\n"
+        "      --audio MODE          passthru, mp3 or ac3; into MKV passthru, aac, aac-5.1\n"
+        "                            or ac3, for every audio track\n"
         "      --audio-bitrate KBPS  128, 160, 192, 224, 256, 320, 384, 448, 512 or 640\n"
         "      --stereo-copy         add a stereo copy of the audio track\n"
-        "      --subtitles MODE      burn or extract\n"
+        "      --subtitles MODE      burn or extract; into MKV mux or drop\n"
         "      --remux-header-removal yes|no\n"
         "                            answer the offer to remux an MKV file that uses\n"
         "                            header-removal compression (default no)\n"
@@ -137,6 +146,7 @@ QString MCCommandLine::helpText()
         "Options of split:\n"
         "      --time HH:MM:SS-HH:MM:SS  keep this range\n"
         "      --size MB --pieces N      N pieces of MB megabytes\n"
+        "      --duration SECONDS        pieces of this length (MKV files)\n"
         "\n"
         "Options of every command:\n"
         "      --settings FILE       use this settings file instead of the user's\n"
@@ -146,6 +156,8 @@ QString MCCommandLine::helpText()
         "      --dry-run             print what would be done and the tool commands;\n"
         "                            queue nothing, write nothing\n"
         "      --quiet               print only one line per finished job\n"
+        "      --resume              run again the jobs a killed kestrane-cli or\n"
+        "                            Kestrane left unfinished\n"
         "  -h, --help                show this help and exit\n"
         "      --version             show the version and exit\n"
         "\n"

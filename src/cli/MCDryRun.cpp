@@ -4,6 +4,7 @@
 #include "MCJob.h"
 #include "MCJobWatcher.h"
 #include "MCQueueController.h"
+#include "MCTerminalText.h"
 #include "MCVideoFile.h"
 #include "MCWords.h"
 
@@ -60,9 +61,18 @@ QString trackLine(const MCSelection &selection, const MCVideoFile &file, const M
         target = videoTarget(selection, track);
     else if (track.trackType == QStringLiteral("Audio"))
         target = audioTarget(track);
-    const bool converting = selection.jobType == MCWords::jobAviConversion;
+    const bool converting = selection.jobType == MCWords::jobAviConversion || selection.jobType == MCWords::jobMkvConversion;
     return QStringLiteral("  %1: %2%3\n").arg(prefix.isEmpty() ? where : prefix, source,
                                                 converting ? QStringLiteral(" -> ") + target : QString());
+}
+
+QString splitLine(const MCSelection &selection)
+{
+    if (selection.splitType == QStringLiteral("size"))
+        return QStringLiteral("  split: %1 pieces of %2 MB\n").arg(selection.splitNumber, selection.splitSize);
+    if (selection.splitType == QStringLiteral("duration"))
+        return QStringLiteral("  split: pieces of %1 seconds\n").arg(selection.splitDurationSeconds);
+    return QStringLiteral("  split: %1 to %2\n").arg(selection.splitStartTimeText, selection.splitEndTimeText);
 }
 
 } // namespace
@@ -82,9 +92,7 @@ MCDryRun::~MCDryRun()
 
 void MCDryRun::print(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), m_out);
-    std::fflush(m_out);
+    MCTerminalText::print(m_out, text);
 }
 
 QString MCDryRun::describe(const MCSelection &selection, const MCVideoFile &file)
@@ -94,15 +102,13 @@ QString MCDryRun::describe(const MCSelection &selection, const MCVideoFile &file
                              ? selection.editFilesURLsList.first().toLocalFile()
                              : selection.videoTrackFilePath;
     QString text = QStringLiteral("%1\n  job: %2\n").arg(name, selection.jobType);
-    const bool editingFiles = selection.jobType == MCWords::jobAviJoining || selection.jobType == MCWords::jobAviSplitting;
+    const bool splitting = selection.jobType == MCWords::jobAviSplitting || selection.jobType == MCWords::jobMkvSplitting;
+    const bool editingFiles = splitting || selection.jobType == MCWords::jobAviJoining || selection.jobType == MCWords::jobMkvJoining;
     if (editingFiles) {
         for (const QUrl &url : selection.editFilesURLsList)
             text += QStringLiteral("  file: %1\n").arg(url.toLocalFile());
-        if (selection.jobType == MCWords::jobAviSplitting) {
-            text += selection.splitType == QStringLiteral("size")
-                        ? QStringLiteral("  split: %1 pieces of %2 MB\n").arg(selection.splitNumber, selection.splitSize)
-                        : QStringLiteral("  split: %1 to %2\n").arg(selection.splitStartTimeText, selection.splitEndTimeText);
-        }
+        if (splitting)
+            text += splitLine(selection);
         return text;
     }
     if (selection.jobType == MCWords::jobAviConversion && !selection.theDevice.isEmpty()

@@ -1,6 +1,7 @@
 #include "MCProgressPrinter.h"
 
 #include "MCStepStatus.h"
+#include "MCTerminalText.h"
 
 #include <QRegularExpression>
 #include <QVariantMap>
@@ -13,6 +14,12 @@ constexpr int kBarWidth = 30;
 
 // Plain lines are printed when a step's status passes a multiple of this.
 constexpr int kPlainStep = 10;
+
+// Names and tool words come from files; a line of ours stays one line.
+QString shown(const QString &text)
+{
+    return MCTerminalText::escapedLine(text);
+}
 
 QString plainKey(const QString &status)
 {
@@ -71,7 +78,7 @@ void MCProgressPrinter::jobStarted(const QString &name, const QString &jobType, 
     if (m_mode == Mode::Quiet)
         return;
     eraseLiveLines();
-    print(QStringLiteral("Job %1/%2: %3 (%4)\n").arg(number).arg(total).arg(name, jobType));
+    print(QStringLiteral("Job %1/%2: %3 (%4)\n").arg(number).arg(total).arg(shown(name), shown(jobType)));
 }
 
 void MCProgressPrinter::note(const QString &text)
@@ -79,7 +86,7 @@ void MCProgressPrinter::note(const QString &text)
     if (m_mode == Mode::Quiet)
         return;
     eraseLiveLines();
-    print(text + QLatin1Char('\n'));
+    print(MCTerminalText::escaped(text) + QLatin1Char('\n'));
 }
 
 void MCProgressPrinter::progress(const QVariantList &rows)
@@ -90,8 +97,8 @@ void MCProgressPrinter::progress(const QVariantList &rows)
         QString text = m_liveLines > 0 ? QStringLiteral("\x1b[%1A").arg(m_liveLines) : QString();
         for (const QVariant &row : rows) {
             const QVariantMap map = row.toMap();
-            text += QStringLiteral("\r\x1b[2K") + liveLine(map.value(QStringLiteral("Step")).toString(),
-                                                           map.value(QStringLiteral("Progress")).toString())
+            text += QStringLiteral("\r\x1b[2K") + liveLine(shown(map.value(QStringLiteral("Step")).toString()),
+                                                           shown(map.value(QStringLiteral("Progress")).toString()))
                     + QLatin1Char('\n');
         }
         text += QStringLiteral("\x1b[J");
@@ -109,20 +116,20 @@ void MCProgressPrinter::progress(const QVariantList &rows)
         if (m_lastPlain.value(step) == key)
             continue;
         m_lastPlain.insert(step, key);
-        print(QStringLiteral("  %1: %2\n").arg(step, status));
+        print(QStringLiteral("  %1: %2\n").arg(shown(step), shown(status)));
     }
 }
 
 void MCProgressPrinter::jobCompleted(const QString &name, const QString &results)
 {
     eraseLiveLines();
-    print(results.isEmpty() ? QStringLiteral("Completed: %1\n").arg(name)
-                            : QStringLiteral("Completed: %1 (%2)\n").arg(name, results));
+    print(results.isEmpty() ? QStringLiteral("Completed: %1\n").arg(shown(name))
+                            : QStringLiteral("Completed: %1 (%2)\n").arg(shown(name), shown(results)));
 }
 
 void MCProgressPrinter::jobFailed(const QString &name, const QString &reason, const QString &logPath)
 {
     eraseLiveLines();
-    print(logPath.isEmpty() ? QStringLiteral("Failed: %1: %2\n").arg(name, reason)
-                            : QStringLiteral("Failed: %1: %2 (log: %3)\n").arg(name, reason, logPath));
+    print(logPath.isEmpty() ? QStringLiteral("Failed: %1: %2\n").arg(shown(name), shown(reason))
+                            : QStringLiteral("Failed: %1: %2 (log: %3)\n").arg(shown(name), shown(reason), shown(logPath)));
 }

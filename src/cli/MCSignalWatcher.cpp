@@ -11,6 +11,11 @@ namespace {
 
 int signalPipe[2] = {-1, -1};
 
+// A closed terminal (SIGHUP) or a reader that went away (SIGPIPE, as in
+// "kestrane-cli ... | head") ends the run like Ctrl-C: the running job is
+// stopped and cleared up rather than left to the default action.
+constexpr int stopSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+
 void onSignal(int signalNumber)
 {
     const int savedErrno = errno;
@@ -37,14 +42,14 @@ MCSignalWatcher::MCSignalWatcher(QObject *parent)
         return;
     m_notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &MCSignalWatcher::readSignal);
-    installHandler(SIGINT, onSignal);
-    installHandler(SIGTERM, onSignal);
+    for (const int signalNumber : stopSignals)
+        installHandler(signalNumber, onSignal);
 }
 
 MCSignalWatcher::~MCSignalWatcher()
 {
-    installHandler(SIGINT, SIG_DFL);
-    installHandler(SIGTERM, SIG_DFL);
+    for (const int signalNumber : stopSignals)
+        installHandler(signalNumber, SIG_DFL);
 }
 
 void MCSignalWatcher::readSignal()

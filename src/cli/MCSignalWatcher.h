@@ -4,7 +4,7 @@
 
 class QSocketNotifier;
 
-// Brings SIGINT and SIGTERM into the event loop: the handler only writes
+// Brings SIGINT, SIGTERM, SIGHUP and SIGPIPE into the event loop: the handler only writes
 // the signal number into a pipe, and a socket notifier reads it on the
 // main thread, where stopping jobs is safe.
 class MCSignalWatcher : public QObject

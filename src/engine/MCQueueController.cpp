@@ -6,6 +6,7 @@
 #include "MCJobJournal.h"
 #include "MCJobStaging.h"
 #include "MCLog.h"
+#include "MCMkvJobRows.h"
 #include "MCPreferences.h"
 #include "MCProgressTableModel.h"
 #include "MCQueueJobModel.h"
@@ -78,7 +79,8 @@ QString MCQueueController::jobClassForType(const QString &jobType)
         return QStringLiteral("MCEditAviJob");
     if (jobType == MCWords::jobMkvRemux)
         return QStringLiteral("MCReMuxMkvJob");
-    return {};
+    // Kestrane's own rows beside those four: Matroska conversion and editing.
+    return MCMkvJobRows::jobClassFor(jobType);
 }
 
 void MCQueueController::addToQueue(const MCSelectionPtr &selection)
@@ -108,9 +110,11 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
         job->existingResults = existingResults;
         if (m_journal)
             job->journalId = m_journal->record(job->jobType, fileName, *jobSelection);
+        // Recorded under the type the user chose, so a run again queues the same job.
+        jobSelection->jobType = MCMkvJobRows::branchTypeFor(jobSelection->jobType);
         appendJob(job);
     };
-    if (selection->jobType == MCWords::jobAviSplitting) {
+    if (selection->jobType == MCWords::jobAviSplitting || MCMkvJobRows::oneJobPerFile(selection->jobType)) {
         for (const QUrl &url : selection->editFilesURLsList) {
             MCSelectionPtr copy = selection->copy();
             copy->videoTrackFileURL = url;
@@ -121,6 +125,7 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
     MCSelectionPtr copy = selection->copy();
     if (selection->jobType == MCWords::jobAviConversion || selection->jobType == MCWords::jobMkvRemux)
         copy->trackList += copy->addedAudioTrackList;
+    MCMkvJobRows::prepareJobSelection(*copy);
     makeJob(copy, jobFileNameFor(*selection));
 }
 

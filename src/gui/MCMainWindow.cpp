@@ -1,6 +1,8 @@
 #include "MCMainWindow.h"
 
 #include "MCDropTableView.h"
+#include "MCFormParts.h"
+#include "MCMkvTabPage.h"
 #include "MCNumberField.h"
 #include "MCTimeField.h"
 #include "MCPreferences.h"
@@ -38,37 +40,9 @@
 
 namespace {
 
-QButtonGroup *radioGroup(QWidget *parent, QBoxLayout *layout, const QStringList &titles)
-{
-    auto *group = new QButtonGroup(parent);
-    for (int i = 0; i < titles.size(); ++i) {
-        auto *button = new QRadioButton(titles.at(i), parent);
-        group->addButton(button, i);
-        layout->addWidget(button);
-    }
-    group->button(0)->setChecked(true);
-    return group;
-}
-
-QLineEdit *numberField(QWidget *parent, int width = 70)
-{
-    auto *field = new QLineEdit(parent);
-    field->setFixedWidth(width);
-    field->setAlignment(Qt::AlignRight);
-    return field;
-}
-
-QWidget *withUnit(QWidget *parent, QWidget *field, const QString &unit)
-{
-    auto *box = new QWidget(parent);
-    auto *layout = new QHBoxLayout(box);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(field);
-    if (!unit.isEmpty())
-        layout->addWidget(new QLabel(unit, box));
-    layout->addStretch();
-    return box;
-}
+using MCFormParts::numberField;
+using MCFormParts::radioGroup;
+using MCFormParts::withUnit;
 
 QLineEdit *timeField(QWidget *parent, const QString &name)
 {
@@ -96,7 +70,8 @@ QList<QKeySequence> withStandardKeys(const QKeySequence &usual, QKeySequence::St
 
 const QStringList &MCMainWindow::tabNames()
 {
-    static const QStringList names{QStringLiteral("AVI"), QStringLiteral("Edit Files"), QStringLiteral("Edit Tracks")};
+    static const QStringList names{QStringLiteral("AVI"), QStringLiteral("MKV"), QStringLiteral("Edit Files"),
+                                   QStringLiteral("Edit Tracks")};
     return names;
 }
 
@@ -115,9 +90,11 @@ MCMainWindow::MCMainWindow(MCPreferences *preferences, MCQueueController *queue,
     layout->addWidget(buildTables(), 1);
 
     tabs = new QTabWidget(central);
+    mkvTab = new MCMkvTabPage(this);
     tabs->addTab(buildAviTab(), tabNames().at(0));
-    tabs->addTab(buildEditFilesTab(), tabNames().at(1));
-    tabs->addTab(buildEditTracksTab(), tabNames().at(2));
+    tabs->addTab(mkvTab, tabNames().at(1));
+    tabs->addTab(buildEditFilesTab(), tabNames().at(2));
+    tabs->addTab(buildEditTracksTab(), tabNames().at(3));
     layout->addWidget(tabs);
     setCentralWidget(central);
 
@@ -279,6 +256,11 @@ QWidget *MCMainWindow::buildAviTab()
     auto *subtitleLayout = new QVBoxLayout(subtitles);
     subtitleMatrix = radioGroup(subtitles, subtitleLayout, {QStringLiteral("Burn into video"), QStringLiteral("Extract to file")});
     subtitleLayout->addStretch();
+    convertRefusalLabel = new QLabel(subtitles);
+    convertRefusalLabel->setWordWrap(true);
+    convertRefusalLabel->setVisible(false);
+    setColorName(convertRefusalLabel, QStringLiteral("red"));
+    subtitleLayout->addWidget(convertRefusalLabel);
     convertButton = new QPushButton(QStringLiteral("Convert"), subtitles);
     convertButton->setDefault(true);
     subtitleLayout->addWidget(convertButton, 0, Qt::AlignRight);
@@ -306,7 +288,8 @@ QWidget *MCMainWindow::buildEditFilesTab()
     auto *split = new QGroupBox(QStringLiteral("Split"), page);
     auto *splitLayout = new QGridLayout(split);
     auto *typeRow = new QHBoxLayout;
-    splitTypeMatrix = radioGroup(split, typeRow, {QStringLiteral("By time"), QStringLiteral("By size")});
+    splitTypeMatrix = radioGroup(split, typeRow,
+                                 {QStringLiteral("By time"), QStringLiteral("By size"), QStringLiteral("By duration (MKV)")});
     typeRow->addStretch();
     splitLayout->addLayout(typeRow, 0, 0, 1, 4);
     splitStartTime = timeField(split, QStringLiteral("startTimeTextField"));
@@ -323,10 +306,13 @@ QWidget *MCMainWindow::buildEditFilesTab()
     splitLayout->addWidget(withUnit(split, splitSize, QStringLiteral("MB")), 1, 3);
     splitLayout->addWidget(new QLabel(QStringLiteral("Pieces:"), split), 2, 2, Qt::AlignRight);
     splitLayout->addWidget(splitNumber, 2, 3);
+    splitDuration = timeField(split, QStringLiteral("durationTimeTextField"));
+    splitLayout->addWidget(new QLabel(QStringLiteral("Pieces of:"), split), 3, 0, Qt::AlignRight);
+    splitLayout->addWidget(splitDuration, 3, 1);
     splitLayout->setColumnStretch(3, 1);
-    splitLayout->setRowStretch(3, 1);
+    splitLayout->setRowStretch(4, 1);
     splitButton = new QPushButton(QStringLiteral("Split"), split);
-    splitLayout->addWidget(splitButton, 4, 3, Qt::AlignRight);
+    splitLayout->addWidget(splitButton, 5, 3, Qt::AlignRight);
 
     auto *other = new QGroupBox(QStringLiteral("Other"), page);
     auto *otherLayout = new QFormLayout(other);
@@ -357,7 +343,9 @@ QWidget *MCMainWindow::buildEditTracksTab()
     auto *layout = new QHBoxLayout(page);
     auto *group = new QGroupBox(QStringLiteral("Tracks"), page);
     auto *groupLayout = new QVBoxLayout(group);
-    editTrackMatrix = radioGroup(group, groupLayout, {QStringLiteral("Extract tracks"), QStringLiteral("Add external audio tracks")});
+    editTrackMatrix = radioGroup(group, groupLayout,
+                                 {QStringLiteral("Extract tracks"), QStringLiteral("Add external audio tracks"),
+                                  QStringLiteral("Remove tracks (MKV)")});
     editTrackLabel = new QLabel(group);
     editTrackLabel->setWordWrap(true);
     groupLayout->addWidget(editTrackLabel);
@@ -464,16 +452,16 @@ void MCMainWindow::bindToolTips()
 
 QPushButton *MCMainWindow::startButtonOfCurrentTab() const
 {
-    switch (tabs->currentIndex()) {
-    case 0:
+    const QString tab = tabNames().value(tabs->currentIndex());
+    if (tab == QStringLiteral("AVI"))
         return convertButton;
-    case 1:
+    if (tab == QStringLiteral("MKV"))
+        return mkvTab->convertButton;
+    if (tab == QStringLiteral("Edit Files"))
         return joinButton->isEnabled() ? joinButton : splitButton;
-    case 2:
+    if (tab == QStringLiteral("Edit Tracks"))
         return startTrackEditButton;
-    default:
-        return nullptr;
-    }
+    return nullptr;
 }
 
 void MCMainWindow::dragEnterEvent(QDragEnterEvent *event)

@@ -6,6 +6,7 @@
 #include <functional>
 
 class MCDropTableView;
+class MCMkvTabPage;
 class MCPreferences;
 class MCPreferencesController;
 class MCQueueController;
@@ -24,7 +25,7 @@ class QStringListModel;
 class QTabWidget;
 
 // The main window's controls: status line, track and file tables, the
-// three tabs with their option groups, the preset pop-ups, the queue panel
+// four tabs with their option groups, the preset pop-ups, the queue panel
 // and the menus. What the controls do is wired by MCWindowBinding.
 class MCMainWindow : public QMainWindow
 {
@@ -32,7 +33,7 @@ class MCMainWindow : public QMainWindow
 public:
     MCMainWindow(MCPreferences *preferences, MCQueueController *queue, QWidget *parent = nullptr);
 
-    static const QStringList &tabNames(); // "AVI", "Edit Files", "Edit Tracks"
+    static const QStringList &tabNames(); // "AVI", "MKV", "Edit Files", "Edit Tracks"
 
     // Status line above the tables.
     QLabel *fileTextField;
@@ -53,12 +54,15 @@ public:
     QLineEdit *vidBitRateField, *resWidthField;
     QComboBox *fpsCombo, *devicePopUp, *audioTrackPopUp, *audioBitRatePopUp;
     QLabel *audioTrackLabel;
+    // Why Convert is disabled for a selection the tools cannot turn into an AVI.
+    QLabel *convertRefusalLabel;
     QCheckBox *addStereoCheckBox;
     QPushButton *convertButton;
+    MCMkvTabPage *mkvTab;
     // Edit Files tab
     QPushButton *joinButton, *splitButton, *remuxButton;
     QButtonGroup *splitTypeMatrix;
-    QLineEdit *splitStartTime, *splitEndTime, *splitSize, *splitNumber, *parWidth, *parHeight;
+    QLineEdit *splitStartTime, *splitEndTime, *splitSize, *splitNumber, *splitDuration, *parWidth, *parHeight;
     // Edit Tracks tab
     QButtonGroup *editTrackMatrix;
     QLabel *editTrackLabel;

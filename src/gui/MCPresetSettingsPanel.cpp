@@ -123,6 +123,7 @@ QWidget *MCPresetSettingsPanel::buildDetails()
     const auto popUp = [this] { return new QComboBox(m_details); };
     nameField = new QLineEdit(m_details);
     typeOfProcessPopUp = popUp();
+    targetPopUp = popUp();
     devicePopUp = popUp();
     videoActionPopUp = popUp();
     videoBitRatePopUp = popUp();
@@ -145,6 +146,7 @@ QWidget *MCPresetSettingsPanel::buildDetails()
     auto *generalForm = new QFormLayout(general);
     generalForm->addRow(QStringLiteral("Name:"), nameField);
     generalForm->addRow(QStringLiteral("Process:"), typeOfProcessPopUp);
+    generalForm->addRow(QStringLiteral("Convert into:"), targetPopUp);
     generalForm->addRow(QStringLiteral("Device:"), devicePopUp);
 
     auto *video = new QGroupBox(QStringLiteral("Video"), m_details);
@@ -220,6 +222,7 @@ void MCPresetSettingsPanel::bindDetails()
         nameField->setText(preset ? preset->pName : QString());
     });
     rowOf(typeOfProcessPopUp, [](MCPresetSettings &p, int row) { p.pTypeOfProcessIndex = row; });
+    textOf(targetPopUp, &MCPresetSettings::pTarget);
     textOf(devicePopUp, &MCPresetSettings::pDevice);
     rowOf(videoActionPopUp, [](MCPresetSettings &p, int row) { p.setPVideoActionIndex(row); });
     rowOf(videoBitRatePopUp, [](MCPresetSettings &p, int row) { p.pVideoBitRateIndex = row; });
@@ -274,6 +277,7 @@ void MCPresetSettingsPanel::refresh()
 
     showText(nameField, shown.pName);
     showRow(typeOfProcessPopUp, c.pTypeOfProcessList, shown.pTypeOfProcessIndex);
+    fillPopUp(targetPopUp, MCPresetSettings::targetList(), shown.pTarget);
     const QStringList devices = c.selectionController ? c.selectionController->deviceList : QStringList();
     fillPopUp(devicePopUp, devices, shown.pDevice);
     showRow(videoActionPopUp, c.pVideoActionList, shown.pVideoActionIndex());

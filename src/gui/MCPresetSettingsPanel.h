@@ -29,7 +29,7 @@ public:
     QStringListModel *namesModel;
     QPushButton *addPresetButton, *removePresetButton, *okButton;
     QLineEdit *nameField;
-    QComboBox *devicePopUp, *typeOfProcessPopUp;
+    QComboBox *devicePopUp, *typeOfProcessPopUp, *targetPopUp;
     QComboBox *videoActionPopUp, *videoBitRatePopUp, *widthPopUp, *fpsPopUp;
     QLineEdit *videoBitRateField, *widthField, *fpsField;
     QComboBox *stereoActionPopUp, *stereoBitRatePopUp, *surroundActionPopUp, *surroundBitRatePopUp;

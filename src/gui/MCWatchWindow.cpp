@@ -12,6 +12,7 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QListWidget>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
@@ -64,6 +65,11 @@ MCWatchWindow::MCWatchWindow(MCWatchModeController *controller, QWidget *mainWin
     endButton = new QPushButton(QStringLiteral("End Watch Mode"), this);
     buttons->addWidget(endButton);
     layout->addLayout(buttons);
+    givenUpList = new QListWidget(this);
+    givenUpList->setObjectName(QStringLiteral("givenUpList"));
+    givenUpList->setToolTip(QStringLiteral("Movies that could not be converted after %1 attempts").arg(MCWatchModeFollowUp::maxAttempts));
+    givenUpList->setVisible(false);
+    layout->addWidget(givenUpList);
 
     pathField->setText(controller->watchFolderPath());
     connect(controller, &MCWatchModeController::watchFolderPathChanged, this, [this] {
@@ -76,6 +82,7 @@ MCWatchWindow::MCWatchWindow(MCWatchModeController *controller, QWidget *mainWin
         connect(queue->qJobArrayController(), &QAbstractItemModel::rowsInserted, this,
                 [this](const QModelIndex &, int first, int last) { jobsQueued(first, last); });
     }
+    connect(controller, &MCWatchModeController::movieGivenUp, this, &MCWatchWindow::movieGivenUp);
     connect(controller, &MCWatchModeController::toggleWindowsRequested, this, &MCWatchWindow::toggleWindows);
     connect(controller, &MCWatchModeController::folderChooserRequested, this, &MCWatchWindow::openFolderChooser);
     connect(chooseButton, &QPushButton::clicked, controller, &MCWatchModeController::chooseWatchFolderURL);
@@ -110,6 +117,12 @@ void MCWatchWindow::jobsQueued(int first, int last)
     m_lastTakenUp = jobs.at(last)->jobFileName;
     m_dropHint.clear();
     showStatus();
+}
+
+void MCWatchWindow::movieGivenUp(const QUrl &file, const QString &reason)
+{
+    givenUpList->addItem(QStringLiteral("Not converted: %1 (%2)").arg(file.fileName(), reason));
+    givenUpList->setVisible(true);
 }
 
 void MCWatchWindow::closeEvent(QCloseEvent *event)

@@ -6,6 +6,7 @@
 class MCWatchModeController;
 class QLabel;
 class QLineEdit;
+class QListWidget;
 class QPushButton;
 
 // The small window shown instead of the main window while a folder is
@@ -23,6 +24,8 @@ public:
     QPushButton *endButton = nullptr;
     // Waiting, the last movie queued, or nothing while no folder is watched.
     QLabel *statusLabel = nullptr;
+    // Movies watch mode gave up on, with the reason; hidden while empty.
+    QListWidget *givenUpList = nullptr;
 
     static constexpr int animationDurationMs = 250;
 
@@ -36,6 +39,7 @@ private:
     void openFolderChooser();
     void showStatus();
     void jobsQueued(int first, int last);
+    void movieGivenUp(const QUrl &file, const QString &reason);
     // Fades from out to in, placing in level with out's top and centred.
     static void switchWindows(QWidget *out, QWidget *in);
 

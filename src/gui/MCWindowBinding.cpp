@@ -2,6 +2,9 @@
 
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
+#include "MCFormParts.h"
+#include "MCMkvTabBinding.h"
+#include "MCMkvTabPage.h"
 #include "MCMainWindow.h"
 #include "MCPresetSelectionsPanel.h"
 #include "MCPresetSettingsPanel.h"
@@ -30,36 +33,9 @@ namespace {
 
 const QString kDrag = QStringLiteral("drag");
 
-// Replaces a pop-up's items only when they changed, so an open pop-up and
-// its highlighted item survive the many refreshes of a single action.
-void fillCombo(QComboBox *combo, const QStringList &items, const QString &current)
-{
-    QStringList present;
-    for (int i = 0; i < combo->count(); ++i)
-        present << combo->itemText(i);
-    if (present != items) {
-        combo->clear();
-        combo->addItems(items);
-    }
-    const int index = combo->findText(current);
-    if (index >= 0)
-        combo->setCurrentIndex(index);
-    else if (combo->isEditable())
-        combo->setEditText(current);
-}
-
-void checkRow(QButtonGroup *group, int index)
-{
-    if (QAbstractButton *button = group->button(index))
-        button->setChecked(true);
-}
-
-// The user's typing wins over a refresh while the field has the focus.
-void showText(QLineEdit *field, const QString &text)
-{
-    if (!field->hasFocus() && field->text() != text)
-        field->setText(text);
-}
+using MCFormParts::checkRow;
+using MCFormParts::fillCombo;
+using MCFormParts::showText;
 
 // MPEG-4 needs a bit rate: the encoder refuses 0, and an empty or invalid
 // entry reads as 0. Passing the video through needs none.
@@ -88,6 +64,7 @@ MCWindowBinding::MCWindowBinding(MCMainWindow *window, MCAppDelegate *delegate, 
     bindTracks();
     bindPresets();
     bindStartButtons();
+    m_mkvTab = new MCMkvTabBinding(m_window->mkvTab, m_rules, [this] { userChanged(); }, this);
     connect(m_rules, &MCSelectionController::stateChanged, this, &MCWindowBinding::refresh);
     connect(m_rules, &MCSelectionController::endEditingRequested, this, &MCWindowBinding::endTextEditing);
     connect(m_rules, &MCSelectionController::clearTrackHighlight, m_window->trackTable,
@@ -270,6 +247,7 @@ void MCWindowBinding::bindStartButtons()
     MCMainWindow *w = m_window;
     const std::pair<QPushButton *, QString> starts[] = {
         {w->convertButton, QString()},
+        {w->mkvTab->convertButton, QString()},
         {w->startTrackEditButton, QString()},
         {w->joinButton, MCWords::jobAviJoining},
         {w->splitButton, MCWords::jobAviSplitting},
@@ -292,6 +270,7 @@ void MCWindowBinding::refresh()
     refreshStatus();
     refreshTracks();
     refreshAviTab();
+    m_mkvTab->refresh();
     refreshEditTabs();
     refreshPresets();
     m_refreshing = false;
@@ -353,6 +332,10 @@ void MCWindowBinding::refreshAviTab()
     w->subtitleMatrix->button(0)->setEnabled(r.subtitleSelected && r.canBurnSubtitles);
     w->subtitleMatrix->button(1)->setEnabled(r.subtitleSelected && r.canMuxSubtitles);
     w->convertButton->setEnabled(r.canConvert && !videoBitRateMissing(r));
+    // Said where the user looks for the button, not only in a tooltip.
+    const QString refusal = r.convertRefusalText();
+    w->convertRefusalLabel->setText(refusal);
+    w->convertRefusalLabel->setVisible(!refusal.isEmpty());
 }
 
 void MCWindowBinding::refreshEditTabs()
@@ -371,10 +354,13 @@ void MCWindowBinding::refreshEditTabs()
     // says whether the values typed so far make a split.
     const bool fileListed = !r.currentSelection()->editFilesURLsList.isEmpty();
     const bool byTime = r.splitTypeMatrixIndex == 0;
+    const bool bySize = r.splitTypeMatrixIndex == 1;
     w->splitStartTime->setEnabled(fileListed && byTime);
     w->splitEndTime->setEnabled(fileListed && byTime);
-    w->splitSize->setEnabled(fileListed && !byTime);
-    w->splitNumber->setEnabled(fileListed && !byTime);
+    w->splitSize->setEnabled(fileListed && bySize);
+    w->splitNumber->setEnabled(fileListed && bySize);
+    w->splitDuration->setEnabled(fileListed && !byTime && !bySize);
+    showText(w->splitDuration, r.enteredSplitDuration);
     w->splitButton->setEnabled(r.canSplit);
     w->joinButton->setEnabled(r.canJoin);
     for (QWidget *control : {static_cast<QWidget *>(w->parWidth), static_cast<QWidget *>(w->parHeight),

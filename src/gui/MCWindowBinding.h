@@ -6,6 +6,7 @@
 
 class MCAppDelegate;
 class MCMainWindow;
+class MCMkvTabBinding;
 class MCPresetSelectionsPanel;
 class MCPresetSettingsPanel;
 class MCPresetsController;
@@ -56,6 +57,7 @@ private:
     MCAppDelegate *m_delegate;
     MCSelectionController *m_rules;
     MCPresetsController *m_presets;
+    MCMkvTabBinding *m_mkvTab = nullptr;
     // True while values are copied into the controls, so their own change
     // signals do not feed back into the rules.
     bool m_refreshing = false;

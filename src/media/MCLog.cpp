@@ -1,5 +1,7 @@
 #include "MCLog.h"
 
+#include "MCTerminalText.h"
+
 #include <QDir>
 #include <QFile>
 #include <QMutex>
@@ -30,7 +32,9 @@ QString MCLog::logFilePath()
 void MCLog::line(const QString &text)
 {
     QMutexLocker lock(&logMutex);
-    const QByteArray bytes = text.toUtf8() + '\n';
+    // Lines carry file names and titles; shown raw, their control
+    // characters would act on the terminal reading the log.
+    const QByteArray bytes = MCTerminalText::escapedLine(text).toUtf8() + '\n';
     if (qEnvironmentVariable("KESTRANE_LOG_QUIET") != QStringLiteral("1")) {
         std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
         std::fflush(stderr);

@@ -15,9 +15,15 @@ inline const QString jobAviTrackRemoval = QStringLiteral("AVI Track Removal");
 inline const QString jobAviJoining = QStringLiteral("AVI Joining");
 inline const QString jobAviSplitting = QStringLiteral("AVI Splitting");
 inline const QString jobMkvRemux = QStringLiteral("MKV Remux");
+inline const QString jobMkvConversion = QStringLiteral("MKV Conversion");
+inline const QString jobMkvTrackExtraction = QStringLiteral("MKV Track Extraction");
+inline const QString jobMkvTrackRemoval = QStringLiteral("MKV Track Removal");
+inline const QString jobMkvJoining = QStringLiteral("MKV Joining");
+inline const QString jobMkvSplitting = QStringLiteral("MKV Splitting");
 
 // Tabs of the settings area.
 inline const QString tabAvi = QStringLiteral("AVI");
+inline const QString tabMkv = QStringLiteral("MKV");
 inline const QString tabEditFiles = QStringLiteral("Edit Files");
 inline const QString tabEditTracks = QStringLiteral("Edit Tracks");
 

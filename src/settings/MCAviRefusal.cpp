@@ -78,6 +78,11 @@ QString MCAviRefusal::videoReason(const MCSelection &selection, const MCVideoTra
                                   "choose MPEG-4.");
         return {};
     }
+    return mpeg4BitRateReason(selection, typedBitRateValid);
+}
+
+QString MCAviRefusal::mpeg4BitRateReason(const MCSelection &selection, bool typedBitRateValid)
+{
     if (!typedBitRateValid)
         return QStringLiteral("The video bit rate must be a whole number of kbit/s.");
     if (integerValue(selection.userVideoBitRate) >= kLowestVideoBitRate)

@@ -16,6 +16,9 @@ public:
 
     // The audio codecs an AVI holds as they are (a copied track).
     static bool aviCarriesAudio(const QString &trackCodec);
+    // Why MEncoder cannot encode MPEG-4 at the selection's bit rate; empty
+    // when it can. Any target that re-encodes with MEncoder asks this.
+    static QString mpeg4BitRateReason(const MCSelection &selection, bool typedBitRateValid);
 
 private:
     static QString videoReason(const MCSelection &selection, const MCVideoTrack &video, bool typedBitRateValid);

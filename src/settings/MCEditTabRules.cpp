@@ -1,5 +1,6 @@
 #include "MCEditTabRules.h"
 
+#include "MCMkvEditRules.h"
 #include "MCSelectionController.h"
 #include "MCTextNumbers.h"
 #include "MCWords.h"
@@ -26,6 +27,11 @@ void MCEditTabRules::updateEditFilesTab()
         m_rules.canEditPAR = m_rules.canSplit = false;
         return;
     }
+    if (MCMkvEditRules::mixesContainers(selection.editFilesURLsList)) {
+        setStatus(QStringLiteral("Kestrane joins and splits AVI and MKV files separately."), MCSelectionController::colorRed);
+        m_rules.canEditPAR = m_rules.canSplit = m_rules.canJoin = false;
+        return;
+    }
     m_rules.canEditPAR = m_rules.canSplit = true;
     if (m_rules.splitTypeMatrixIndex == 0) {
         selection.splitType = QStringLiteral("time");
@@ -33,6 +39,11 @@ void MCEditTabRules::updateEditFilesTab()
     } else if (m_rules.splitTypeMatrixIndex == 1) {
         selection.splitType = QStringLiteral("size");
         m_rules.canSplit = integerValue(m_rules.enteredSplitSize()) != 0 && integerValue(m_rules.enteredSplitNumber()) != 0;
+    } else if (m_rules.splitTypeMatrixIndex == MCMkvEditRules::splitByDurationRow) {
+        // mkvmerge alone cuts pieces of a duration.
+        selection.splitType = QStringLiteral("duration");
+        m_rules.canSplit = MCMkvEditRules::allMatroska(selection.editFilesURLsList)
+                           && integerValue(selection.splitDurationSeconds) > 0;
     }
 }
 
@@ -45,14 +56,19 @@ void MCEditTabRules::updateEditTracksTab()
                   MCSelectionController::colorBlack);
         return;
     }
-    if (file.theFileExtension.toLower() != QLatin1String("avi")) {
+    const bool matroska = MCMkvEditRules::isMatroska(file.theFileExtension);
+    if (file.theFileExtension.toLower() != QLatin1String("avi") && !matroska) {
         m_rules.canEditTracks = false;
         m_rules.trackTableEnabled = false;
-        setStatus(QStringLiteral("Kestrane can only edit the tracks of AVI videos."), MCSelectionController::colorRed);
+        setStatus(QStringLiteral("Kestrane can only edit the tracks of AVI and MKV videos."), MCSelectionController::colorRed);
         return;
     }
     m_rules.trackTableEnabled = true;
     setStatus(file.theFilePath, MCSelectionController::colorBlack);
+    if (matroska) {
+        m_rules.canEditTracks = MCMkvEditRules::decideTrackEdit(selection, m_rules.editTrackMatrixIndex());
+        return;
+    }
     if (integerValue(selection.vidCount) != 1 && integerValue(selection.audCount) < 1
         && integerValue(selection.subCount) < 1) {
         m_rules.canEditTracks = false;
@@ -75,5 +91,7 @@ void MCEditTabRules::updateEditTracksTab()
         // The last selected track decides.
         for (const MCVideoTrackPtr &track : selected)
             m_rules.canEditTracks = track->trackType == MCWords::trackAudio && track->externalTrackFlag;
+    } else {
+        m_rules.canEditTracks = false; // removing tracks is for MKV files
     }
 }

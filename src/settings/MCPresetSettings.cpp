@@ -1,5 +1,6 @@
 #include "MCPresetSettings.h"
 
+#include "MCMkvPreset.h"
 #include "MCSelectionController.h"
 #include "MCTextNumbers.h"
 #include "MCWords.h"
@@ -77,7 +78,7 @@ QString MCPresetSettings::tabName() const
     if (pName == QLatin1String("Manual"))
         return {};
     if (pTypeOfProcessIndex == 0)
-        return MCWords::tabAvi;
+        return pTarget == targetMkv() ? MCWords::tabMkv : MCWords::tabAvi;
     return pTypeOfProcessIndex == 1 ? MCWords::tabEditTracks : QString();
 }
 
@@ -121,6 +122,7 @@ QVariantMap MCPresetSettings::makeRecord() const
         {QStringLiteral("pSurroundBitRate"), pSurroundBitRate},
         {QStringLiteral("pAudioAddStereo"), pAudioAddStereo},
         {QStringLiteral("pSubAction"), pSubAction},
+        {QStringLiteral("pTarget"), pTarget},
         {QStringLiteral("isEditable"), isEditable},
     };
 }
@@ -159,6 +161,7 @@ void MCPresetSettings::initFromRecord(const QVariantMap &record)
     readText("pSurroundBitRate", pSurroundBitRate);
     readFlag("pAudioAddStereo", pAudioAddStereo);
     readText("pSubAction", pSubAction);
+    readText("pTarget", pTarget);
     readFlag("isEditable", isEditable);
 }
 
@@ -190,6 +193,11 @@ void MCPresetSettings::makeSettings()
             rules.setCurrentTab(MCWords::tabEditTracks);
             rules.setEditTrackMatrixIndex(0);
         }
+        rules.clearTrackTableHighlight();
+        return;
+    }
+    if (pTarget == targetMkv() && currentVideoFile) {
+        MCMkvPreset::apply(*this, rules, *currentVideoFile);
         rules.clearTrackTableHighlight();
         return;
     }
@@ -295,6 +303,12 @@ void MCPresetSettings::applyAudio()
             break;
         }
     }
+}
+
+const QStringList &MCPresetSettings::targetList()
+{
+    static const QStringList list{targetAvi(), targetMkv()};
+    return list;
 }
 
 const QStringList &MCPresetSettings::typeOfProcessList()

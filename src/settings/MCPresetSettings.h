@@ -38,6 +38,9 @@ public:
     QString pSurroundBitRate;
     bool pAudioAddStereo = false; // kept and edited, not applied
     QString pSubAction;           // "Burn (hard)" or "Extract"
+    // The conversion tab a "Convert" preset fills: "AVI" (what every preset
+    // stored before there was a choice means) or "MKV".
+    QString pTarget = targetAvi();
     bool isEditable = false;
     std::shared_ptr<MCVideoFile> currentVideoFile;
     MCSelectionController *selectionController = nullptr;
@@ -64,7 +67,11 @@ public:
     // Applies the preset to the selection rules for currentVideoFile.
     void makeSettings();
 
+    static QString targetAvi() { return QStringLiteral("AVI"); }
+    static QString targetMkv() { return QStringLiteral("MKV"); }
+
     // The editor's option lists; a stored index is a row of its list.
+    static const QStringList &targetList(); // "AVI", "MKV"
     static const QStringList &typeOfProcessList();
     static const QStringList &videoActionList();
     static const QStringList &genericList(); // bit rate and width: "Original", "Custom"

@@ -2,6 +2,8 @@
 
 #include "MCAviRefusal.h"
 #include "MCEditTabRules.h"
+#include "MCMkvEditRules.h"
+#include "MCMkvTabRules.h"
 #include "MCNotificationCenter.h"
 #include "MCPresetsController.h"
 #include "MCTextNumbers.h"
@@ -37,6 +39,7 @@ bool isSubtitleType(const QString &type)
 
 MCSelectionController::MCSelectionController(QObject *parent)
     : QObject(parent)
+    , m_mkvTab(new MCMkvTabRules(this))
 {
     m_currentVideoFile = std::make_shared<MCVideoFile>();
     m_currentSelection = std::make_shared<MCSelection>();
@@ -124,6 +127,8 @@ void MCSelectionController::updateTabs()
     canAddTrack = !fileTracks().isEmpty();
     if (m_currentTab == tabAvi)
         updateAviTab();
+    else if (m_currentTab == tabMkv)
+        updateMkvTab();
     else if (m_currentTab == tabEditFiles)
         MCEditTabRules(*this).updateEditFilesTab();
     else if (m_currentTab == tabEditTracks)
@@ -186,6 +191,20 @@ QString MCSelectionController::decideAviTab()
     if (!reason.isEmpty())
         canConvert = false;
     return reason;
+}
+
+void MCSelectionController::updateMkvTab()
+{
+    trackTableEnabled = true;
+    if (fileTracks().isEmpty()) {
+        setStatus(QStringLiteral("Drop Video File(s) in the Table Below"), colorBlack);
+        return;
+    }
+    setStatus(m_currentVideoFile->theFilePath, colorBlack);
+    m_mkvTab->decide(*m_currentSelection, m_audioTrackPopupIndex,
+                     {m_enteredUserVideoBitRate, m_enteredUserWidth, userBitRateOK, userWidthOK});
+    canConvert = m_mkvTab->canConvert;
+    setConvertRefusalText(m_mkvTab->convertRefusalText);
 }
 
 void MCSelectionController::setConvertRefusalText(const QString &text)
@@ -375,6 +394,8 @@ void MCSelectionController::setEditTrackMatrixIndex(int index)
         editTrackLabel = kExtractLabel;
     else if (index == 1)
         editTrackLabel = kAddLabel;
+    else if (index == MCMkvEditRules::removeTracksRow)
+        editTrackLabel = MCMkvEditRules::removalLabel();
     emit stateChanged();
 }
 

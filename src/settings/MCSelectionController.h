@@ -10,6 +10,7 @@
 
 #include <memory>
 
+class MCMkvTabRules;
 class MCPresetsController;
 struct MCNotification;
 
@@ -83,6 +84,7 @@ class MCSelectionController : public QObject
 
 public:
     static inline const QString &tabAvi = MCWords::tabAvi;
+    static inline const QString &tabMkv = MCWords::tabMkv;
     static inline const QString &tabEditFiles = MCWords::tabEditFiles;
     static inline const QString &tabEditTracks = MCWords::tabEditTracks;
     // The sender a click on the track table passes: the user overrides the
@@ -103,6 +105,8 @@ public:
     const std::shared_ptr<MCVideoFile> &currentVideoFile() const { return m_currentVideoFile; }
     void setCurrentVideoFile(std::shared_ptr<MCVideoFile> file);
     MCPresetsController *presetsController() const { return m_presetsController; }
+    // The "MKV" tab's own rows and rules (owned).
+    MCMkvTabRules *mkvTab() const { return m_mkvTab; }
     void setPresetsController(MCPresetsController *controller) { m_presetsController = controller; }
 
     // The decision procedure, run after every change.
@@ -237,6 +241,7 @@ private:
     QString decideAviTab();
     void applyAviRowsTo(MCVideoTrack &track);
     void applyAudioRowTo(MCVideoTrack &track);
+    void updateMkvTab();
     void toggleAll(const QStringList &lowerTypes, const QString &selectedCount, const QString &fileCount);
     MCVideoTrackPtr chosenAudioTrack(int index) const;
     void typedFieldChanged();
@@ -244,6 +249,7 @@ private:
     MCSelectionPtr m_currentSelection;
     std::shared_ptr<MCVideoFile> m_currentVideoFile;
     MCPresetsController *m_presetsController = nullptr;
+    MCMkvTabRules *m_mkvTab;
     QString m_currentTab = tabAvi;
     QString m_convertRefusalText;
     bool m_canBurnSubtitlesGiven = false;

@@ -152,7 +152,7 @@ TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
     EXPECT_EQ(queued.first()->videoTrackFilePath, second);
 }
 
-TEST_F(AppDelegateTest, EditTabsTakeOnlyAviFiles)
+TEST_F(AppDelegateTest, EditTabsTakeOnlyAviAndMkvFiles)
 {
     const QString notes = writeFile(QStringLiteral("list.txt"), "text\n");
     open(QStringLiteral("Edit Files"), QStringLiteral("drag"), {avi(), notes, avi(QStringLiteral("second.avi"))});
@@ -161,14 +161,17 @@ TEST_F(AppDelegateTest, EditTabsTakeOnlyAviFiles)
     open(QStringLiteral("Edit Files"), QStringLiteral("add"), {notes});
     EXPECT_EQ(app->editFilesPathsArray().size(), 2);
 
-    const QString mkv = clip(QStringLiteral("tracks.mkv"), QStringLiteral("-c:v libx264 -c:a aac"));
-    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mkv});
+    const QString mp4 = clip(QStringLiteral("tracks.mp4"), QStringLiteral("-c:v libx264 -c:a aac"));
+    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mp4});
     EXPECT_EQ(alertTexts(), (QStringList{
-                                QStringLiteral("Error Opening: list.txt / Kestrane can only edit AVI files."),
+                                QStringLiteral("Error Opening: list.txt / Kestrane can only edit AVI and MKV files."),
                                 QStringLiteral("Error Opening: list.txt / Kestrane can't add the track from this file."),
-                                QStringLiteral("Error Opening: tracks.mkv / Kestrane can only edit the tracks of AVI files."),
+                                QStringLiteral("Error Opening: tracks.mp4 / Kestrane can only edit the tracks of AVI and MKV files."),
                             }));
     EXPECT_TRUE(app->currentVideoFile->trackList.isEmpty());
+    const QString mkv = clip(QStringLiteral("tracks.mkv"), QStringLiteral("-c:v libx264 -c:a aac"));
+    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mkv});
+    EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
 }
 
 TEST_F(AppDelegateTest, HeaderRemovalOfferQueuesARemuxOnOk)
@@ -217,14 +220,15 @@ TEST_F(AppDelegateTest, StartChecksTheSaveFolderAndBatchesNeedPresets)
     EXPECT_EQ(skipped, QList<QUrl>{url(notes)});
     EXPECT_TRUE(alerts->alerts.isEmpty());
 
-    // An unwritable save folder stops the start before anything is queued.
+    // A missing save folder stops the start before anything is queued, and
+    // is called missing: a permission problem would send the user astray.
     queued.clear();
     app->appPreferences->saveDirectoryURL = url(settingsDir.path() + QStringLiteral("/missing"));
     app->startJob();
     ASSERT_EQ(alerts->alerts.size(), 1);
-    EXPECT_EQ(alerts->alerts.first().message, QStringLiteral("Kestrane does not have permision to write to the save folder for this job."));
+    EXPECT_EQ(alerts->alerts.first().message, QStringLiteral("The save folder for this job does not exist."));
     EXPECT_EQ(alerts->alerts.first().informativeText,
-              QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder."));
+              QStringLiteral("Create the folder or change the save location: %1/missing").arg(settingsDir.path()));
     EXPECT_DOUBLE_EQ(alerts->alerts.first().timeoutSeconds, 10.0);
     testsupport::waitUntil([] { return false; }, 600);
     EXPECT_TRUE(queued.isEmpty());

@@ -174,12 +174,16 @@ TEST(WatchWindowPlacement, CentredOnTheOtherWindowWithTopsLevel)
               QRect(349, 50, 501, 120));
 }
 
-TEST(WatchModeEndToEnd, ADroppedFileIsConvertedWithThePresetsAndItsResultIgnored)
+namespace {
+
+// Watches a folder with the "Copy" preset into target, drops a clip in and
+// checks what comes out under resultName.
+void convertsADroppedFileAndIgnoresItsResult(const QString &target, const QString &resultName)
 {
     auto alerts = testsupport::recordAlerts();
     QTemporaryDir settingsDir;
     WatchFolder folder;
-    const QString settings = settingsWithCopyPreset(settingsDir.path());
+    const QString settings = settingsWithCopyPreset(settingsDir.path(), target);
     MCAppDelegate app(settings);
     app.applicationDidFinishLaunching();
     MCPresetsController *presets = app.presetsController;
@@ -208,13 +212,26 @@ TEST(WatchModeEndToEnd, ADroppedFileIsConvertedWithThePresetsAndItsResultIgnored
         },
         120000));
     EXPECT_EQ(queue->qJobList().first()->jobStatus(), QStringLiteral("Completed"));
-    const QString result = folder.path(QStringLiteral("clip.avi.avi"));
+    const QString result = folder.path(resultName);
     EXPECT_EQ(testsupport::mediaInfo(result, QStringLiteral("Video"), QStringLiteral("Format")),
               QStringLiteral("MPEG-4 Visual"));
+    EXPECT_EQ(testsupport::mediaInfo(result, QStringLiteral("Audio"), QStringLiteral("Format")), QStringLiteral("AC-3"));
     for (int i = 0; i < 3; ++i)
         watch->watchLoop();
     // A file taken up is started two seconds later.
     EXPECT_FALSE(testsupport::waitUntil([&] { return queue->qJobList().size() > 1; }, 3000))
         << "the result was taken up as a new movie";
     EXPECT_TRUE(alerts->alerts.isEmpty()) << alerts->alerts.first().message.toStdString();
+}
+
+} // namespace
+
+TEST(WatchModeEndToEnd, ADroppedFileIsConvertedWithThePresetsAndItsResultIgnored)
+{
+    convertsADroppedFileAndIgnoresItsResult({}, QStringLiteral("clip.avi.avi"));
+}
+
+TEST(WatchModeEndToEnd, APresetIntoMkvConvertsWatchedFilesIntoMkv)
+{
+    convertsADroppedFileAndIgnoresItsResult(QStringLiteral("MKV"), QStringLiteral("clip.avi.muxed.mkv"));
 }

@@ -38,6 +38,16 @@ inline CliResult runCli(const QStringList &arguments, int timeoutMs = 180000)
     return result;
 }
 
+// A settings file of its own in dir, keeping no logs; answers its path.
+inline QString quietSettings(const QString &dir)
+{
+    const QString settings = dir + QStringLiteral("/kestrane.ini");
+    MCPreferences preferences(settings);
+    preferences.keepLogsFlag = false;
+    preferences.savePreferencesToDefaults();
+    return settings;
+}
+
 // Tiny clips, made once per test program.
 inline QString cliMediaDir()
 {

@@ -138,10 +138,11 @@ TEST_F(CliJobs, BadInputIsNamedAndNothingIsQueuedForIt)
     result = runCli({QStringLiteral("--settings"), settings, QStringLiteral("convert"), QStringLiteral("--save-dir"),
                      saveDir.path() + QStringLiteral("/no/such/folder"), avi});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.err.contains(QStringLiteral("Kestrane does not have permision to write to the save folder for this job.: "
-                                                   "Either move the file, change the save location, or edit the permissions "
-                                                   "for the output folder.")))
+    // A folder that is not there is not a permission problem.
+    EXPECT_TRUE(result.err.contains(QStringLiteral("The save folder for this job does not exist.: Create the folder or change "
+                                                   "the save location: ")))
         << result.err.toStdString();
+    EXPECT_FALSE(result.err.contains(QStringLiteral("permision"))) << result.err.toStdString();
 
     // A batch needs presets other than "Manual" for both pop ups.
     result = runCli(common() + QStringList{QStringLiteral("convert"), QStringLiteral("--tracks"), QStringLiteral("1,2"), avi, avi});

@@ -93,6 +93,43 @@ TEST_F(QueueTest, DispatchCreatesJobsForTheFourTypesOnly)
     EXPECT_EQ(conversion->trackList.size(), 1); // the live record is left alone
 }
 
+TEST_F(QueueTest, MatroskaRowsMakeOneJobPerSplitFileAndHandEachTheEditWordItsStepsKnow)
+{
+    for (const char *name : {"MCConvertToMkvJob", "MCEditMkvJob"})
+        MCJobFactory::instance().registerJobType(QString::fromUtf8(name), makeSleepJob);
+    MCSelectionPtr split = selectionFor(QStringLiteral("/videos/first.mkv"), QStringLiteral("MKV Splitting"));
+    for (const char *name : {"/videos/one.mkv", "/videos/two.mkv"})
+        split->editFilesURLsList << QUrl::fromLocalFile(QString::fromUtf8(name));
+    queue.addToQueue(split);
+    ASSERT_EQ(queue.qJobList().size(), 2);
+    EXPECT_EQ(queue.qJobList().at(1)->jobType, QStringLiteral("MKV Splitting"));
+    EXPECT_EQ(queue.qJobList().at(1)->jobSelection->jobType, QStringLiteral("AVI Splitting"));
+    EXPECT_EQ(queue.qJobList().at(1)->jobSelection->videoTrackFileURL.toLocalFile(), QStringLiteral("/videos/two.mkv"));
+    EXPECT_EQ(split->jobType, QStringLiteral("MKV Splitting"));
+
+    // Steps pair with tracks by position: a stereo copy joins, a dropped subtitle leaves.
+    MCSelectionPtr conversion = selectionFor(QStringLiteral("/videos/movie.mkv"), QStringLiteral("MKV Conversion"));
+    const QString source = conversion->videoTrackFilePath;
+    MCVideoTrackPtr muxed = makeTrack(QStringLiteral("Subtitle"), QStringLiteral("srt"), source);
+    muxed->userCodec = QStringLiteral("mux");
+    MCVideoTrackPtr dropped = makeTrack(QStringLiteral("Subtitle"), QStringLiteral("ass"), source);
+    dropped->userCodec = QStringLiteral("drop");
+    conversion->trackList = {makeTrack(QStringLiteral("Audio"), QStringLiteral("ac3"), source), dropped, muxed};
+    conversion->addedAudioTrackList = {makeTrack(QStringLiteral("Audio"), QStringLiteral("aac"), source)};
+    queue.addToQueue(conversion);
+    ASSERT_EQ(queue.qJobList().size(), 3);
+    const MCSelection &queued = *queue.qJobList().at(2)->jobSelection;
+    EXPECT_EQ(queued.jobType, QStringLiteral("AVI Conversion"));
+    ASSERT_EQ(queued.trackList.size(), 3);
+    EXPECT_EQ(queued.trackList.at(1)->trackCodec, QStringLiteral("srt"));
+    EXPECT_EQ(queued.trackList.at(2)->trackCodec, QStringLiteral("aac"));
+    EXPECT_EQ(conversion->trackList.size(), 3); // the live record is left alone
+
+    conversion->jobType = QStringLiteral("MKV Remuxing"); // not a row
+    queue.addToQueue(conversion);
+    EXPECT_EQ(queue.qJobList().size(), 3);
+}
+
 TEST_F(QueueTest, JobsRunOneAtATimeInListOrder)
 {
     QStringList events;

@@ -69,18 +69,18 @@ TEST_F(MainWindowTest, NotAVideoAlertsAndKeepsTheLoadedFile)
     EXPECT_EQ(w->fileTextField->text(), path);
 }
 
-TEST_F(MainWindowTest, EditFilesTabListsOnlyAvis)
+TEST_F(MainWindowTest, EditFilesTabListsOnlyAvisAndMkvs)
 {
-    w->tabs->setCurrentIndex(1);
+    w->tabs->setCurrentIndex(MCMainWindow::tabNames().indexOf(QStringLiteral("Edit Files")));
     const QString first = avi(QStringLiteral("a.avi"));
     const QString second = avi(QStringLiteral("b.AVI"));
-    const QString other = testsupport::ffmpeg(dir.path(), QStringLiteral("c.mkv"),
+    const QString other = testsupport::ffmpeg(dir.path(), QStringLiteral("c.mp4"),
                                               QStringLiteral("-f lavfi -i testsrc=size=160x120 -t 1"));
     dropOn(w->fileTable, {QUrl::fromLocalFile(first), QUrl::fromLocalFile(other), QUrl::fromLocalFile(second)});
     ASSERT_TRUE(testsupport::waitUntil([&] { return w->fileModel->rowCount() == 2; }, 20000));
     EXPECT_EQ(w->fileModel->stringList(), (QStringList{first, second}));
     ASSERT_EQ(alerts->alerts.size(), 1);
-    EXPECT_EQ(alerts->alerts.first().informativeText, QStringLiteral("Kestrane can only edit AVI files."));
+    EXPECT_EQ(alerts->alerts.first().informativeText, QStringLiteral("Kestrane can only edit AVI and MKV files."));
 }
 
 // WCAG's contrast ratio of two colours (1 to 21).

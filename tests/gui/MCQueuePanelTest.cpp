@@ -97,7 +97,7 @@ TEST_F(QueuePanelTest, AFailedJobIsRedWithItsReasonShownAndItsLogAtHand)
 
 TEST_F(QueuePanelTest, AJoinIsNamedAfterItsFirstFile)
 {
-    w->tabs->setCurrentIndex(1);
+    w->tabs->setCurrentIndex(MCMainWindow::tabNames().indexOf(QStringLiteral("Edit Files")));
     const QList<QUrl> files{QUrl::fromLocalFile(guitest::makeAvi(dir.path(), QStringLiteral("part 1.avi"))),
                             QUrl::fromLocalFile(guitest::makeAvi(dir.path(), QStringLiteral("part 2.avi")))};
     guitest::dropOn(w->fileTable->viewport(), files);

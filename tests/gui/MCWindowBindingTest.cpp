@@ -94,8 +94,13 @@ TEST_F(WindowBindingTest, TabsAndTrackTicksReachTheRules)
     w->trackModel->setData(w->trackModel->index(0, MCTrackTableModel::SelectedColumn), Qt::Unchecked,
                            Qt::CheckStateRole);
     EXPECT_FALSE(w->convertButton->isEnabled());
+    // The reason stands beside the disabled button.
+    EXPECT_FALSE(w->convertRefusalLabel->isHidden());
+    EXPECT_TRUE(w->convertRefusalLabel->text().startsWith(QStringLiteral("An AVI takes one video track")))
+        << w->convertRefusalLabel->text().toStdString();
     w->toggleVideoButton->click();
     EXPECT_TRUE(w->convertButton->isEnabled());
+    EXPECT_TRUE(w->convertRefusalLabel->isHidden());
     EXPECT_EQ(w->trackModel->index(0, MCTrackTableModel::SelectedColumn).data(Qt::CheckStateRole).toInt(), Qt::Checked);
 
     // Typed bit rates count once the video is re-encoded.
@@ -105,7 +110,7 @@ TEST_F(WindowBindingTest, TabsAndTrackTicksReachTheRules)
     emit w->vidBitRateField->editingFinished();
     EXPECT_EQ(w->vidBitRateField->text(), QStringLiteral("1501"));
 
-    w->tabs->setCurrentIndex(1);
+    w->tabs->setCurrentIndex(MCMainWindow::tabNames().indexOf(QStringLiteral("Edit Files")));
     EXPECT_EQ(w->tableStack->currentWidget(), w->fileTable);
     EXPECT_FALSE(w->joinButton->isEnabled());
 }
@@ -136,7 +141,7 @@ TEST_F(WindowBindingTest, QuitWithARunningJobAndCancelLeavesItPaused)
 
 TEST_F(WindowBindingTest, SplitByTimeTakesTypedTimesOnceAFileIsListed)
 {
-    w->tabs->setCurrentIndex(1);
+    w->tabs->setCurrentIndex(MCMainWindow::tabNames().indexOf(QStringLiteral("Edit Files")));
     EXPECT_FALSE(w->splitEndTime->isEnabled()); // nothing to split yet
     drop(w->fileTable, guitest::makeAvi(dir.path(), QStringLiteral("part.avi"), 4));
     ASSERT_TRUE(testsupport::waitUntil([&] { return w->fileModel->rowCount() == 1; }, 20000));
@@ -176,7 +181,7 @@ TEST_F(WindowBindingTest, ChosenPresetsComeBackAfterARestart)
     ASSERT_TRUE(testsupport::waitUntil([&] { return !w->isVisible(); }, 3000));
 
     restart();
-    EXPECT_EQ(w->tabs->currentIndex(), 2);
+    EXPECT_EQ(w->tabs->currentIndex(), MCMainWindow::tabNames().indexOf(QStringLiteral("Edit Tracks")));
     EXPECT_EQ(w->presetSelectionsPopUp->currentText(), QStringLiteral("First Track"));
     EXPECT_EQ(w->presetSettingsPopUp->currentText(), QStringLiteral("Extract Tracks"));
     // In force for the next file: its first tracks are ticked without a click.

@@ -102,7 +102,7 @@ TEST_F(WindowInputTest, OpenAndAddTracksLoadWhatIsTypedIntoQtsOwnFileDialog)
 
 TEST_F(WindowInputTest, QuitWithoutARunningJobClosesAtTheFirstAsking)
 {
-    w->tabs->setCurrentIndex(2);
+    w->tabs->setCurrentIndex(MCMainWindow::tabNames().indexOf(QStringLiteral("Edit Tracks")));
     QTest::keyClick(w, Qt::Key_Q, Qt::ControlModifier);
     EXPECT_TRUE(testsupport::waitUntil([&] { return !w->isVisible(); }, 3000));
     // The window's state went into the preferences on the way out.

@@ -323,7 +323,7 @@ TEST(MCSelectionControllerTest, SplitRulesInEditFiles)
     }
 }
 
-TEST(MCSelectionControllerTest, EditTracksNeedsAnAviAndTheRightTracks)
+TEST(MCSelectionControllerTest, EditTracksNeedsAnAviOrMkvAndTheRightTracks)
 {
     {
         Rules r;
@@ -335,11 +335,11 @@ TEST(MCSelectionControllerTest, EditTracksNeedsAnAviAndTheRightTracks)
     }
     {
         Rules r;
-        r.load(makeFile({{"Video", "h264"}}, QStringLiteral("mkv")));
+        r.load(makeFile({{"Video", "h264"}}, QStringLiteral("mp4")));
         r.rules.setCurrentTab(MCSelectionController::tabEditTracks);
         EXPECT_FALSE(r.rules.trackTableEnabled);
         EXPECT_FALSE(r.rules.canEditTracks);
-        EXPECT_EQ(r.rules.statusText, QStringLiteral("Kestrane can only edit the tracks of AVI videos."));
+        EXPECT_EQ(r.rules.statusText, QStringLiteral("Kestrane can only edit the tracks of AVI and MKV videos."));
         EXPECT_EQ(r.rules.statusColor, kRed);
     }
     // Added tracks cannot be extracted; adding goes by the last selected track.

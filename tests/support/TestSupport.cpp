@@ -1,6 +1,7 @@
 #include "TestSupport.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -87,6 +88,16 @@ QString resourcesWithout(const QString &into, const QString &left)
             QFile::link(real.filePath(entry), into + QLatin1Char('/') + entry);
     }
     return into;
+}
+
+QByteArray checksum(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    hash.addData(&file);
+    return hash.result();
 }
 
 } // namespace testsupport

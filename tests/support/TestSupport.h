@@ -46,6 +46,9 @@ QString mediaInfo(const QString &path, const QString &kind, const QString &param
 // the entry named left, so a test can leave a tool out or put its own in.
 // Answers the folder.
 QString resourcesWithout(const QString &into, const QString &left);
+// A file's content hash (empty when it cannot be read): sources must come
+// out of a run unchanged.
+QByteArray checksum(const QString &path);
 
 } // namespace testsupport
 

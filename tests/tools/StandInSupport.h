@@ -2,7 +2,6 @@
 
 #include "TestSupport.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 
@@ -20,15 +19,7 @@ inline int runTool(const QString &name, const QString &arguments, QString *outpu
     return testsupport::run(QStringLiteral("\"%1\" %2").arg(toolPath(name), arguments), output);
 }
 
-inline QByteArray checksum(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QCryptographicHash hash(QCryptographicHash::Sha1);
-    hash.addData(&file);
-    return hash.result();
-}
+using testsupport::checksum;
 
 inline QStringList filesIn(const QString &folder)
 {

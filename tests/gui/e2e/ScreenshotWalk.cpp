@@ -144,8 +144,9 @@ QString Walk::views()
         return QStringLiteral("the clip did not load again");
     if (!k.clickOn(QStringLiteral("push button"), QStringLiteral("Convert")))
         return QStringLiteral("Convert is not enabled");
-    if (!waitForCell([](const QString &name) { return name.startsWith(QLatin1String("Pass #1: ")) && name.size() > 13; }, 60000))
-        return QStringLiteral("no progress shown");
+    if (!waitForCell([](const QString &name) { return name == QLatin1String("Running"); }, 60000))
+        return QStringLiteral("the job did not start");
+    QThread::msleep(3000); // a few percent into the first pass
     shot(QStringLiteral("queue-running"));
     if (!waitForCell([](const QString &name) { return name == QLatin1String("Completed"); }, 240000))
         return QStringLiteral("the encode did not complete");
@@ -201,11 +202,24 @@ QString Walk::views()
     if (!k.waitFor(QStringLiteral("dialog"), QStringLiteral("About Kestrane"), 5000))
         return QStringLiteral("the About box did not open");
     shot(QStringLiteral("about"));
-    k.key(QStringLiteral("Escape"));
+    {
+        // The About box's own Close, not the queue panel's.
+        const Node tree = k.window();
+        const Node *about = tree.find(QStringLiteral("dialog"), QStringLiteral("About Kestrane"));
+        const Node *close = about ? about->find(QStringLiteral("push button"), QStringLiteral("Close")) : nullptr;
+        if (!close)
+            return QStringLiteral("no Close in the About box");
+        k.click(close->centre());
+    }
 
-    // Watch mode asks for its folder first.
+    // The watch window stands in for the main window; its folder comes from Choose....
     if (!k.clickOn(QStringLiteral("push button"), QStringLiteral("Watch Folder")))
         return QStringLiteral("no Watch Folder");
+    if (!k.waitFor(QStringLiteral("push button"), QStringLiteral("Choose..."), 10000))
+        return QStringLiteral("no watch window");
+    QThread::msleep(700); // it slides in
+    if (!k.clickOn(QStringLiteral("push button"), QStringLiteral("Choose...")))
+        return QStringLiteral("no Choose... in the watch window");
     if (!k.waitFor(QStringLiteral("dialog"), QStringLiteral("Select the folder to watch."), 5000))
         return QStringLiteral("no folder chooser");
     QThread::msleep(500);

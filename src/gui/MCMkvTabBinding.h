@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+
+class MCMkvTabPage;
+class MCSelectionController;
+class QLineEdit;
+
+// Ties the "MKV" tab's controls to its rules: rows and the stereo copy go
+// to the tab's rules, the number fields and the audio-track chooser to the
+// settings they share with the "AVI" tab; every published value flows back.
+class MCMkvTabBinding : public QObject
+{
+    Q_OBJECT
+public:
+    // userChanged runs the rules after a user action.
+    MCMkvTabBinding(MCMkvTabPage *page, MCSelectionController *rules, std::function<void()> userChanged,
+                    QObject *parent = nullptr);
+
+    void refresh();
+
+private:
+    void bindRows();
+    void bindField(QLineEdit *field, void (MCSelectionController::*setter)(const QString &));
+    void changed();
+
+    MCMkvTabPage *m_page;
+    MCSelectionController *m_rules;
+    std::function<void()> m_userChanged;
+    bool m_refreshing = false;
+};

@@ -1,0 +1,51 @@
+// Fuzz target for the settings loader: any bytes as the settings file
+// (a damaged or hand-edited one), loaded, saved and loaded again. What was
+// saved must read back the same.
+#include "MCPreferences.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+namespace {
+
+QTemporaryDir *folder = nullptr;
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
+{
+    static QCoreApplication app(*argc, *argv);
+    folder = new QTemporaryDir; // lives for the whole run
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    if (size > 16 * 1024)
+        return 0;
+    const QString path = folder->filePath(QStringLiteral("kestrane.ini"));
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            return 0;
+        file.write(reinterpret_cast<const char *>(data), qint64(size));
+    }
+    QVariantList presets;
+    QString saveFolder;
+    {
+        MCPreferences loaded(path);
+        if (!loaded.savePreferencesToDefaults())
+            return 0;
+        presets = loaded.userPresetSettingsList;
+        saveFolder = loaded.saveDirectoryURL.toString();
+    }
+    const MCPreferences reread(path);
+    if (reread.userPresetSettingsList.size() != presets.size() || reread.saveDirectoryURL.toString() != saveFolder)
+        std::abort();
+    return 0;
+}
