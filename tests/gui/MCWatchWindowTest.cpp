@@ -18,6 +18,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QFileDialog>
 #include <QTemporaryDir>
@@ -129,3 +130,14 @@ TEST_F(WatchWindowTest, AFolderDroppedOnTheWatchWindowIsWatched)
 }
 
 } // namespace
+
+TEST_F(WatchWindowTest, MoviesGivenUpAreListedOnlyOnceThereAreAny)
+{
+    app->delegate()->appPreferences->watchFolderURL = QUrl::fromLocalFile(folder.path());
+    enterWatchMode();
+    EXPECT_FALSE(watch->givenUpList->isVisible());
+    emit controller->movieGivenUp(QUrl::fromLocalFile(folder.path() + QStringLiteral("/broken.avi")), QStringLiteral("not a video"));
+    EXPECT_TRUE(watch->givenUpList->isVisible());
+    ASSERT_EQ(watch->givenUpList->count(), 1);
+    EXPECT_EQ(watch->givenUpList->item(0)->text(), QStringLiteral("Not converted: broken.avi (not a video)"));
+}
