@@ -28,6 +28,17 @@ QLineEdit *MCFormParts::numberField(QWidget *parent, int width)
     return field;
 }
 
+void MCFormParts::addAudioTrackChooser(QWidget *parent, QBoxLayout *layout, QLabel *&label, QComboBox *&popUp)
+{
+    auto *row = new QHBoxLayout;
+    label = new QLabel(QStringLiteral("Track:"), parent);
+    popUp = new QComboBox(parent);
+    popUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    row->addWidget(label);
+    row->addWidget(popUp, 1);
+    layout->addLayout(row);
+}
+
 QWidget *MCFormParts::withUnit(QWidget *parent, QWidget *field, const QString &unit)
 {
     auto *box = new QWidget(parent);

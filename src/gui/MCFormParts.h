@@ -6,6 +6,7 @@
 class QBoxLayout;
 class QButtonGroup;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QWidget;
 
@@ -17,6 +18,8 @@ namespace MCFormParts {
 QButtonGroup *radioGroup(QWidget *parent, QBoxLayout *layout, const QStringList &titles);
 // A right-aligned field for a number.
 QLineEdit *numberField(QWidget *parent, int width = 70);
+// The "Track:" row of an audio box: its label and pop-up, added to layout.
+void addAudioTrackChooser(QWidget *parent, QBoxLayout *layout, QLabel *&label, QComboBox *&popUp);
 // The field with its unit after it.
 QWidget *withUnit(QWidget *parent, QWidget *field, const QString &unit);
 

@@ -235,13 +235,7 @@ QWidget *MCMainWindow::buildAviTab()
 
     auto *audio = new QGroupBox(QStringLiteral("Audio"), page);
     auto *audioLayout = new QVBoxLayout(audio);
-    auto *trackRow = new QHBoxLayout;
-    audioTrackLabel = new QLabel(QStringLiteral("Track:"), audio);
-    audioTrackPopUp = new QComboBox(audio);
-    audioTrackPopUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    trackRow->addWidget(audioTrackLabel);
-    trackRow->addWidget(audioTrackPopUp, 1);
-    audioLayout->addLayout(trackRow);
+    MCFormParts::addAudioTrackChooser(audio, audioLayout, audioTrackLabel, audioTrackPopUp);
     audioMatrix = radioGroup(audio, audioLayout,
                              {QStringLiteral("Passthru"), QStringLiteral("MP3 Stereo"), QStringLiteral("AC3 5.1")});
     auto *audioForm = new QFormLayout;

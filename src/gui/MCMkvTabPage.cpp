@@ -52,13 +52,7 @@ QWidget *MCMkvTabPage::buildAudio()
 {
     auto *audio = new QGroupBox(QStringLiteral("Audio"), this);
     auto *layout = new QVBoxLayout(audio);
-    auto *trackRow = new QHBoxLayout;
-    audioTrackLabel = new QLabel(QStringLiteral("Track:"), audio);
-    audioTrackPopUp = new QComboBox(audio);
-    audioTrackPopUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    trackRow->addWidget(audioTrackLabel);
-    trackRow->addWidget(audioTrackPopUp, 1);
-    layout->addLayout(trackRow);
+    MCFormParts::addAudioTrackChooser(audio, layout, audioTrackLabel, audioTrackPopUp);
     audioMatrix = radioGroup(audio, layout,
                              {QStringLiteral("Passthru"), QStringLiteral("AAC Stereo"), QStringLiteral("AAC 5.1"),
                               QStringLiteral("AC3 5.1")});

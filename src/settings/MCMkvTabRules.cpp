@@ -198,11 +198,15 @@ QString MCMkvTabRules::refusalFor(const MCSelection &selection, const Typed &typ
     for (const MCVideoTrackPtr &track : selection.trackList) {
         if (track->trackType != kAudio || track->userCodec == kPassthru || isSurround(*track))
             continue;
-        if (integerValue(track->userNumberOfChannels) >= kSurroundChannels)
-            return QStringLiteral("%1 needs a surround track of 6 channels; the %2 track has %3: choose AAC stereo "
-                                  "or passthru.")
-                .arg(track->userCodec == QStringLiteral("ac3") ? QStringLiteral("AC-3 5.1") : QStringLiteral("AAC 5.1"),
-                     track->trackLanguage, track->trackNumberOfChannels);
+        if (integerValue(track->userNumberOfChannels) < kSurroundChannels)
+            continue;
+        const QString &language = track->trackLanguage;
+        const QString which = language.isEmpty() || language == QStringLiteral("undetermined")
+                                  ? QStringLiteral("this one")
+                                  : QStringLiteral("the %1 track").arg(language);
+        return QStringLiteral("%1 needs a surround track of 6 channels; %2 has %3: choose AAC stereo or passthru.")
+            .arg(track->userCodec == QStringLiteral("ac3") ? QStringLiteral("AC-3 5.1") : QStringLiteral("AAC 5.1"), which,
+                 track->trackNumberOfChannels);
     }
     if (const QString copying = copyRefusal(selection); !copying.isEmpty())
         return copying;

@@ -62,5 +62,16 @@ QList<MatrixChoice> MatrixChoice::all()
     extract.extractsSubtitle = true;
     extract.mustConvert = true;
     choices.append(extract);
+    // Into Matroska, which holds any picture and sound as it is; the picture
+    // is copied, which mkvmerge cannot do out of every container (refused).
+    const QStringList kMkv{QStringLiteral("--to"), QStringLiteral("mkv")};
+    MatrixChoice mkvAac{QStringLiteral("MKV AAC"), kMkv + kVideoAndAudio + QStringList{QStringLiteral("--audio"), QStringLiteral("aac")},
+                        V::AsSource, A::AacStereo};
+    mkvAac.intoMkv = true;
+    choices.append(mkvAac);
+    MatrixChoice mkvAc3{QStringLiteral("MKV AC-3 5.1"), kMkv + kVideoAndAudio + QStringList{QStringLiteral("--audio"), QStringLiteral("ac3")},
+                        V::AsSource, A::Ac3};
+    mkvAc3.intoMkv = true;
+    choices.append(mkvAc3);
     return choices;
 }

@@ -7,11 +7,11 @@
 #include <QStringList>
 
 // One choice a user makes for a file, as kestrane-cli options, and what the
-// AVI must then hold.
+// AVI (or, into Matroska, the MKV) must then hold.
 struct MatrixChoice
 {
     enum class Video { AsSource, Mpeg4 };
-    enum class Audio { AsSource, Mp3, Ac3 };
+    enum class Audio { AsSource, Mp3, Ac3, AacStereo };
 
     QString heading;
     QStringList options;
@@ -22,12 +22,14 @@ struct MatrixChoice
     bool extractsSubtitle = false;
     bool burnsSubtitle = false;   // when the source has a subtitle
     bool mustConvert = false;     // a refusal is a fault
+    bool intoMkv = false;         // --to mkv: the result is NAME.EXT.muxed.mkv
 
     bool appliesTo(const MatrixSource &source) const { return !needsSubtitles || source.subtitles; }
     // AC-3 5.1 must work from a surround track; from stereo it is refused.
+    // Into Matroska the copied picture may be refused, whatever the sound.
     bool mustConvertFor(const MatrixSource &source) const
     {
-        return mustConvert || (audio == Audio::Ac3 && source.surround);
+        return mustConvert || (audio == Audio::Ac3 && source.surround && !intoMkv);
     }
 
     // The choices, in column order.
