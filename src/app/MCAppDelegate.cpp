@@ -179,7 +179,7 @@ bool MCAppDelegate::takeUpWatchedMovie(const QUrl &url)
     m_lastLoadAnswer.clear();
     if (testNewFileURL(url, false) != kNewFileAdded)
         return false;
-    QTimer::singleShot(watchStartDelayMs, this, [this] { startJob(); });
+    QTimer::singleShot(MCWatchModeController::jobStartDelayMs, this, [this] { startJob(); });
     return true;
 }
 

@@ -66,10 +66,9 @@ public:
     // Intake
     void openedFileHubForFiles(const QList<QUrl> &urls);
     // A movie the watch folder found complete: loaded now with the presets
-    // in force and started watchStartDelayMs later. Answers whether it
+    // in force and started MCWatchModeController::jobStartDelayMs later. Answers whether it
     // loaded; a refusal makes no alert (nobody is at the window).
     bool takeUpWatchedMovie(const QUrl &url);
-    static constexpr int watchStartDelayMs = 2000;
     QString testNewFileURL(const QUrl &url, bool withAlerts);
     void loadNewFileTracksFrom(const QUrl &url, bool withAlerts);
     void addFileTrackFrom(const QUrl &url);

@@ -27,9 +27,9 @@ const QString MCWatchModeController::invalidFolderMessage =
     QStringLiteral("must select a valid directory to start watch mode");
 
 // A job appears when the intake starts it; this is how long that may take.
-constexpr int kJobAppearsWithinMs = MCAppDelegate::watchStartDelayMs + 3000;
+constexpr int kJobAppearsWithinMs = MCWatchModeController::jobStartDelayMs + 3000;
 // Spacing between two movies handed to the intake: the first has started.
-constexpr int kIntakeSpacingMs = MCAppDelegate::watchStartDelayMs + 500;
+constexpr int kIntakeSpacingMs = MCWatchModeController::jobStartDelayMs + 500;
 
 MCWatchModeController::MCWatchModeController(QObject *parent)
     : QObject(parent)

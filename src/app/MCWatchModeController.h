@@ -31,6 +31,8 @@ public:
 
     MCPreferences *appPreferences = nullptr;
     MCQueueController *queueController = nullptr;
+    // How long after its intake a watched movie's job starts.
+    static constexpr int jobStartDelayMs = 2000;
     // The intake's answer for one settled movie: true once it loaded and its
     // job is on the way; false with the reason otherwise (then it is tried
     // again). Set by whoever takes movies in; without it movies are only
