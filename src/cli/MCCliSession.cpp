@@ -241,7 +241,11 @@ void MCCliSession::takeSelection(const MCSelectionPtr &selection)
     // A watched folder's movies converted to AVI are refused alike.
     // A settings preset may make "convert" another job (extracting tracks):
     // only a conversion takes the explicit choices and the conversion check.
-    const bool converting = (selection->jobType == MCWords::jobAviConversion || selection->jobType == MCWords::jobMkvConversion)
+    // A tab whose rules refuse the file leaves the job type "none": that is a
+    // refused conversion too, and gets the tab's reason.
+    const bool conversionType = selection->jobType == MCWords::jobAviConversion || selection->jobType == MCWords::jobMkvConversion
+                                || selection->jobType == QStringLiteral("none");
+    const bool converting = conversionType
                             && (m_options.command == QStringLiteral("convert") || m_options.command == QStringLiteral("watch"));
     if (converting) {
         // A file that did not load has had its alert already.

@@ -105,6 +105,19 @@ TEST_F(MkvCli, ConvertsIntoMkvWithEachTrackAsAsked)
     EXPECT_TRUE(refused.err.contains(QStringLiteral("AAC 5.1 needs a surround track"))) << refused.err.toStdString();
 }
 
+// The tab's own refusal (a copy mkvmerge cannot make) reaches the user with
+// its reason; it once ended as "nothing to queue".
+TEST_F(MkvCli, ACopyTheTargetCannotTakeIsRefusedWithTheTabsReason)
+{
+    const QString wmv = testsupport::ffmpeg(cliMediaDir(), QStringLiteral("copy-refused.wmv"),
+                                            QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=1 -f lavfi -i sine=d=1 -c:v wmv2 -c:a wmav2"));
+    const CliResult refused = run({QStringLiteral("convert"), QStringLiteral("--to"), QStringLiteral("mkv"), QStringLiteral("--tracks"),
+                                   QStringLiteral("1,2"), QStringLiteral("--audio"), QStringLiteral("aac"), wmv});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_TRUE(refused.err.contains(QStringLiteral("cannot copy tracks out of a WMV file"))) << refused.err.toStdString();
+    EXPECT_TRUE(filesIn(saveDir.path()).isEmpty());
+}
+
 TEST_F(MkvCli, EditsMkvFilesChoosingTheMkvJobByTheContainer)
 {
     const QString source = surroundMkv();
