@@ -2,6 +2,7 @@
 
 #include "MCAlertCenter.h"
 #include "MCConverter.h"
+#include "MCIntakeInspector.h"
 #include "MCJob.h"
 #include "MCJobTypes.h"
 #include "MCLog.h"
@@ -45,9 +46,11 @@ bool isEditable(const QUrl &url)
 // An empty or damaged file would make the join or split tools write a
 // result that plays a fraction, or nothing; it is refused as the
 // conversion's intake refuses it.
-bool isReadableVideo(const QUrl &url)
+bool isReadableVideo(const QUrl &url, std::shared_ptr<MCReportCache> reports)
 {
-    return MCVideoFile().initializeForURL(url).toLower() == QStringLiteral("ok");
+    MCVideoFile file;
+    file.setReportCache(std::move(reports));
+    return file.initializeForURL(url).toLower() == QStringLiteral("ok");
 }
 
 bool isOneOf(const QString &mode, std::initializer_list<QString> modes)
@@ -73,7 +76,9 @@ MCAppDelegate::~MCAppDelegate()
 {
     // The queue may still stop a running job, whose steps read the
     // preferences: it goes first, the preferences last. The watch scan
-    // feeds the queue, so it stops before that.
+    // feeds the queue, so it stops before that. An inspection under way
+    // ends first: its answer would be taken in by what goes next.
+    delete intakeInspector;
     delete watchModeController;
     delete queueController;
     delete presetsController;
@@ -106,6 +111,7 @@ void MCAppDelegate::applicationDidFinishLaunching()
     // A result never silently takes another's name: the user decides (the
     // command line answers "Keep Both" unless told to overwrite).
     queueController->existingResults = MCJob::ExistingResults::Ask;
+    intakeInspector = new MCIntakeInspector(this);
     watchModeController = new MCWatchModeController(this);
     watchModeController->takeUpMovie = [this](const QUrl &file, QString &refusal) {
         const bool taken = takeUpWatchedMovie(file);
@@ -248,7 +254,7 @@ QString MCAppDelegate::testForEditFilesTab(bool withAlerts)
     for (const QUrl &url : std::as_const(m_openedURLsArray)) {
         if (!isEditable(url))
             alertErrorOpening(url, refusal, withAlerts);
-        else if (!isReadableVideo(url))
+        else if (!isReadableVideo(url, currentVideoFile->reportCache()))
             alertErrorOpening(url, QStringLiteral("Kestrane could not identify this file as a video!!!!!!!!!."), withAlerts);
         else
             editFilesURLsArray.append(url);
@@ -415,6 +421,16 @@ void MCAppDelegate::addFiles(const QList<QUrl> &urls)
     setOpeningFileMode(kAdd);
     for (const QUrl &url : urls)
         openedFileHubForFiles({url});
+}
+
+void MCAppDelegate::takeInFilesAfterInspection(const QList<QUrl> &urls, const QString &mode, const std::function<void()> &done)
+{
+    intakeInspector->inspect(urls, currentVideoFile->reportCache(), [this, urls, mode, done] {
+        setOpeningFileMode(mode);
+        openedFileHubForFiles(urls);
+        if (done)
+            done();
+    });
 }
 
 bool MCAppDelegate::startJob(const QString &jobType)

@@ -3,6 +3,7 @@
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
 #include "MCFormParts.h"
+#include "MCIntakeInspector.h"
 #include "MCMkvTabBinding.h"
 #include "MCMkvTabPage.h"
 #include "MCMainWindow.h"
@@ -17,6 +18,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QGuiApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -76,6 +78,10 @@ MCWindowBinding::MCWindowBinding(MCMainWindow *window, MCAppDelegate *delegate, 
     connect(m_delegate, &MCAppDelegate::editFilesPathsArrayChanged, this,
             [this] { m_window->fileModel->setStringList(m_delegate->editFilesPathsArray()); });
     m_delegate->endTextEditing = [this] { endTextEditing(); };
+    m_holdControls.setSingleShot(true);
+    m_holdControls.setInterval(250);
+    connect(&m_holdControls, &QTimer::timeout, this, [this] { m_window->centralWidget()->setEnabled(false); });
+    connect(m_delegate->intakeInspector, &MCIntakeInspector::busyChanged, this, &MCWindowBinding::showIntakeBusy);
     m_rules->setCurrentTab(MCMainWindow::tabNames().value(m_window->tabs->currentIndex()));
     m_rules->updateTabs();
     refresh();
@@ -85,12 +91,26 @@ void MCWindowBinding::openFiles(const QList<QUrl> &urls, const QString &mode)
 {
     if (urls.isEmpty())
         return;
-    m_delegate->setOpeningFileMode(mode);
-    m_delegate->openedFileHubForFiles(urls);
-    // A new file's ticked tracks make the record's selection.
-    m_rules->trackTableSelectionChanged();
-    m_rules->updateTabs();
-    refresh();
+    m_delegate->takeInFilesAfterInspection(urls, mode, [this] {
+        // A new file's ticked tracks make the record's selection.
+        m_rules->trackTableSelectionChanged();
+        m_rules->updateTabs();
+        refresh();
+    });
+}
+
+void MCWindowBinding::showIntakeBusy(bool busy)
+{
+    // The tools look at the files: the window stays drawn and movable, but
+    // takes no second file or start until they answered.
+    if (busy) {
+        QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+        m_holdControls.start();
+        return;
+    }
+    m_holdControls.stop();
+    m_window->centralWidget()->setEnabled(true);
+    QGuiApplication::restoreOverrideCursor();
 }
 
 void MCWindowBinding::userChanged()

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QTimer>
 #include <QUrl>
 
 class MCAppDelegate;
@@ -52,6 +53,9 @@ private:
     void endTextEditing();
     // Runs the rules after a user action, unless the window is being updated.
     void userChanged();
+    // While the inspection tools run: a busy cursor at once, and controls
+    // held still if it takes long enough to be seen (no flicker otherwise).
+    void showIntakeBusy(bool busy);
 
     MCMainWindow *m_window;
     MCAppDelegate *m_delegate;
@@ -61,4 +65,5 @@ private:
     // True while values are copied into the controls, so their own change
     // signals do not feed back into the rules.
     bool m_refreshing = false;
+    QTimer m_holdControls;
 };

@@ -142,14 +142,14 @@ QStringList MCVideoFile::mediaInfoReportFor(const QUrl &url) const
 {
     if (!isInspectable(url))
         return {};
-    const QFileInfo file(url.toLocalFile());
-    if (m_lastReport.url == url && m_lastReport.modified == file.lastModified() && m_lastReport.size == file.size())
-        return m_lastReport.lines;
+    const QString path = url.toLocalFile();
+    if (const std::optional<QStringList> kept = m_reports->report(path))
+        return *kept;
     const QString report = doShellScriptFor(mediainfoURL, {QStringLiteral("-f"), url}, toolTimeLimitMs);
     const QStringList lines = report.isEmpty() ? QStringList() : MCMediaInfoReport::lines(report);
     // A failed run is tried again next time.
     if (!lines.isEmpty())
-        m_lastReport = {url, file.lastModified(), file.size(), lines};
+        m_reports->storeReport(path, lines);
     return lines;
 }
 
@@ -265,7 +265,15 @@ bool MCVideoFile::checkForHeaderRemovalFor(const QUrl &url) const
 {
     if (!isInspectable(url))
         return false;
-    return doShellScriptFor(mkvinfoURL, {url}, toolTimeLimitMs).contains(QStringLiteral("header removal"));
+    const QString path = url.toLocalFile();
+    if (const std::optional<bool> kept = m_reports->headerRemoval(path))
+        return *kept;
+    const QString answer = doShellScriptFor(mkvinfoURL, {url}, toolTimeLimitMs);
+    const bool found = answer.contains(QStringLiteral("header removal"));
+    // Only a run that answered is worth keeping.
+    if (!answer.isEmpty())
+        m_reports->storeHeaderRemoval(path, found);
+    return found;
 }
 
 MCTrackListResult MCVideoFile::makeTrackListFor(const QUrl &url) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MCHelpers.h"
+#include "MCReportCache.h"
 #include "MCVideoTrack.h"
 
 #include <QDateTime>
@@ -8,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 #include <QUrl>
+
+#include <memory>
 
 // The answer of the track parser: the tracks, or a failure word
 // ("track not identified", "not a video") and no tracks.
@@ -98,23 +101,19 @@ public:
     // The last report read is kept: a file asked about and then loaded is
     // inspected once.
     QStringList mediaInfoReportFor(const QUrl &url) const;
-    // Takes over the report another file object read last (the loaded file
-    // was asked what to do with a new one, which then loads).
-    void takeReportFrom(const MCVideoFile &other) { m_lastReport = other.m_lastReport; }
+    // Shares the reports another file object has read (the loaded file was
+    // asked what to do with a new one, which then loads).
+    void takeReportFrom(const MCVideoFile &other) { m_reports = other.m_reports; }
+    // The reports this file object reads and keeps; an inspection run
+    // elsewhere (off the window's thread) fills the same cache.
+    std::shared_ptr<MCReportCache> reportCache() const { return m_reports; }
+    void setReportCache(std::shared_ptr<MCReportCache> cache) { m_reports = std::move(cache); }
 
     // The extensions of subtitle files that are added whole.
     static const QStringList &subtitleFileExtensions();
 
 private:
-    struct Report
-    {
-        QUrl url;
-        QDateTime modified;
-        qint64 size = -1;
-        QStringList lines;
-    };
-
     void takeVideoTrackProperties();
 
-    mutable Report m_lastReport;
+    std::shared_ptr<MCReportCache> m_reports = std::make_shared<MCReportCache>();
 };

@@ -2,6 +2,7 @@
 
 #include "AppTestSettings.h"
 
+#include "MCIntakeInspector.h"
 #include "MCJob.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
@@ -15,6 +16,8 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTimer>
+#include <QEventLoop>
 
 namespace {
 
@@ -280,21 +283,46 @@ TEST_F(AppDelegateTest, QuitWithARunningJobPausesAndCancelKeepsItPaused)
     EXPECT_FALSE(MCHelpers::processIsRunning(pid));
 }
 
+namespace {
+
+// Points the tools at a resource folder whose mediainfo notes each run in
+// a file (and takes its time first), for as long as it lives.
+class CountingMediainfo
+{
+public:
+    explicit CountingMediainfo(int delaySeconds = 0)
+        : m_real(qgetenv("KESTRANE_RESOURCES"))
+    {
+        testsupport::resourcesWithout(m_resources.path(), QStringLiteral("mediainfo"));
+        QFile counting(m_resources.filePath(QStringLiteral("mediainfo")));
+        counting.open(QIODevice::WriteOnly);
+        counting.write(QStringLiteral("#!/bin/sh\nsleep %1\necho run >> '%2'\nexec '%3' \"$@\"\n")
+                           .arg(delaySeconds)
+                           .arg(m_resources.filePath(QStringLiteral("runs")),
+                                QDir(QString::fromUtf8(m_real)).filePath(QStringLiteral("mediainfo")))
+                           .toUtf8());
+        counting.close();
+        counting.setPermissions(counting.permissions() | QFileDevice::ExeOwner);
+        qputenv("KESTRANE_RESOURCES", m_resources.path().toUtf8());
+    }
+    ~CountingMediainfo() { qputenv("KESTRANE_RESOURCES", m_real); }
+
+    int runs() const
+    {
+        QFile runs(m_resources.filePath(QStringLiteral("runs")));
+        return runs.open(QIODevice::ReadOnly) ? static_cast<int>(runs.readAll().count("run")) : 0;
+    }
+
+private:
+    QTemporaryDir m_resources;
+    QByteArray m_real;
+};
+
+} // namespace
+
 TEST(AppDelegateIntake, ADroppedFileIsInspectedOnce)
 {
-    // The resource folder of the tests, with a mediainfo that counts its runs.
-    QTemporaryDir resources;
-    const QByteArray real = qgetenv("KESTRANE_RESOURCES");
-    const QDir realDir(QString::fromUtf8(real));
-    testsupport::resourcesWithout(resources.path(), QStringLiteral("mediainfo"));
-    const QString count = resources.filePath(QStringLiteral("runs"));
-    QFile counting(resources.filePath(QStringLiteral("mediainfo")));
-    ASSERT_TRUE(counting.open(QIODevice::WriteOnly));
-    counting.write(QStringLiteral("#!/bin/sh\necho run >> '%1'\nexec '%2' \"$@\"\n").arg(count, realDir.filePath(QStringLiteral("mediainfo"))).toUtf8());
-    counting.close();
-    counting.setPermissions(counting.permissions() | QFileDevice::ExeOwner);
-    qputenv("KESTRANE_RESOURCES", resources.path().toUtf8());
-
+    const CountingMediainfo mediainfo;
     QTemporaryDir settingsDir;
     const auto alerts = testsupport::recordAlerts();
     MCAppDelegate app(settingsWithCopyPreset(settingsDir.path()));
@@ -302,10 +330,43 @@ TEST(AppDelegateIntake, ADroppedFileIsInspectedOnce)
     app.queueSelection = [](const MCSelectionPtr &) {};
     app.openFiles(QStringLiteral("AVI"), {url(avi())});
     app.openFiles(QStringLiteral("AVI"), {url(avi(QStringLiteral("second.avi")))});
-    qputenv("KESTRANE_RESOURCES", real);
 
     EXPECT_EQ(app.currentVideoFile->theFilePath, avi(QStringLiteral("second.avi")));
-    QFile runs(count);
-    ASSERT_TRUE(runs.open(QIODevice::ReadOnly));
-    EXPECT_EQ(runs.readAll().count("run"), 2);
+    EXPECT_EQ(mediainfo.runs(), 2);
+}
+
+TEST(AppDelegateIntake, TheWindowsIntakeInspectsOffItsThreadOnceAndInTurn)
+{
+    const QString first = avi();
+    const QString second = avi(QStringLiteral("second.avi"));
+    const CountingMediainfo mediainfo(1);
+    QTemporaryDir settingsDir;
+    const auto alerts = testsupport::recordAlerts();
+    MCAppDelegate app(settingsWithCopyPreset(settingsDir.path()));
+    app.applicationDidFinishLaunching();
+    app.queueSelection = [](const MCSelectionPtr &) {};
+    app.selectionController->setCurrentTab(QStringLiteral("AVI"));
+
+    QList<bool> busy;
+    QObject::connect(app.intakeInspector, &MCIntakeInspector::busyChanged, [&busy](bool now) { busy << now; });
+    int ticks = 0;
+    QTimer ticking;
+    QObject::connect(&ticking, &QTimer::timeout, [&ticks] { ++ticks; });
+    ticking.start(50);
+    QStringList loaded;
+    QEventLoop loop;
+    // The second drop comes while the first is still being looked at.
+    app.takeInFilesAfterInspection({url(first)}, QStringLiteral("drag"), [&] { loaded << app.currentVideoFile->theFilePath; });
+    app.takeInFilesAfterInspection({url(second)}, QStringLiteral("drag"), [&] {
+        loaded << app.currentVideoFile->theFilePath;
+        loop.quit();
+    });
+    QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+    loop.exec();
+
+    EXPECT_EQ(loaded, (QStringList{first, second}));
+    EXPECT_EQ(busy, (QList<bool>{true, false}));
+    // Two one-second inspections: the window's thread ticked all along.
+    EXPECT_GE(ticks, 20);
+    EXPECT_EQ(mediainfo.runs(), 2);
 }
