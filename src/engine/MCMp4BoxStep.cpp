@@ -26,11 +26,8 @@ QString MCMp4BoxStep::launchMp4Box(MCOptionList arguments, const QList<QUrl> &in
     doShell_ID.clear();
     if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
         return refuse(QStringLiteral("its result would be written over one of its own inputs"));
-    const QUrl tool = urlOfApp(QStringLiteral("mp4box"));
-    if (!fileExistsAtURL(tool))
-        return refuse(QStringLiteral("MP4Box is missing from Kestrane's resource folder"));
     if (!outputFileURL.isEmpty() && !inputs.contains(outputFileURL))
         MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
     arguments << QStringLiteral("&>") << logFileURL << QStringLiteral("& echo $!");
-    return launchInBackground(tool, arguments);
+    return launchInBackground(urlOfApp(QStringLiteral("mp4box")), arguments);
 }
