@@ -154,6 +154,10 @@ TEST_F(ProfileEditorTest, LowersTheLevelOfARawStreamAndOfAnMp4WithItsIndexAtTheE
 
     const QString mp4 = ownCopy(h264Clip(u"main41.mp4"_s, u"main"_s, u"4.1"_s));
     const QByteArray before = testsupport::checksum(mp4);
+    QFile file(mp4);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    ASSERT_GT(bytes.indexOf("avcC"), bytes.indexOf("mdat")) << "the index should follow the media data";
     const qint64 size = QFileInfo(mp4).size();
     // Today's mediainfo reads level 4.0 as "4".
     EXPECT_EQ(patch(mp4, u"apple tv 3"_s, u"Main@L4.1"_s), u"changed"_s);
