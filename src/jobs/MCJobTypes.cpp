@@ -4,6 +4,7 @@
 #include "MCConvertToMkvJob.h"
 #include "MCEditAviJob.h"
 #include "MCEditMkvJob.h"
+#include "MCEditMp4Job.h"
 #include "MCReMuxMkvJob.h"
 
 void MCJobTypes::registerAll()
@@ -12,5 +13,6 @@ void MCJobTypes::registerAll()
     MCConvertToMkvJob::registerJobType();
     MCEditAviJob::registerJobType();
     MCEditMkvJob::registerJobType();
+    MCEditMp4Job::registerJobType();
     MCReMuxMkvJob::registerJobType();
 }
