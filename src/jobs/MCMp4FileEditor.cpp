@@ -138,6 +138,8 @@ QString MCMp4FileEditor::startSplitting()
                                    ? QStringLiteral("%1 MB").arg(converterSelection->splitSize)
                                    : QStringLiteral("the range %1 to %2 seconds")
                                          .arg(converterSelection->splitStartTimeSeconds, converterSelection->splitEndTimeSeconds)));
+    if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, {inputFileURL}))
+        return refuse(QStringLiteral("its result would be written over one of its own inputs"));
     // MP4Box writes the pieces beside the file it reads, named after it: it
     // reads the source through a link named as the output, in the job's folder.
     QUrl read = inputFileURL;
@@ -149,7 +151,8 @@ QString MCMp4FileEditor::startSplitting()
         read = QUrl::fromLocalFile(link);
     }
     m_splitting = true;
-    return launchMp4Box({split, kIsma, kInterleave, read}, {inputFileURL});
+    // Checked above: the link itself leads to the source.
+    return launchMp4Box({split, kIsma, kInterleave, read}, {});
 }
 
 int MCMp4FileEditor::parThousandthsFor(const MCSelection &selection)
