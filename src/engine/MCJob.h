@@ -152,6 +152,9 @@ protected:
     // thread, after the loop that saw it): true when it does, and the job
     // does not end. The base knows none.
     virtual bool recoverFromStepFailure(const MCConverterPtr &failedStep);
+    // Creates the job's private folder when it has none yet; false (and the
+    // job's failure reason set) when the save folder takes no files.
+    bool ensureStaging();
 
 private:
     bool monitorTick(const MCMonitorPolicy &policy);
@@ -162,7 +165,7 @@ private:
     QStringList stagedResults() const;
     void askAboutExistingResults(const QStringList &taken);
     void publishResults(bool replacing);
-    bool ensureStaging();
+
     void beginTick();
     void appendRow(const QVariantMap &row);
     void postProgressUpdate(const QVariantList &rows);

@@ -5,9 +5,11 @@
 #include "MCMediaSummary.h"
 #include "MCMp4Extractor.h"
 #include "MCMp4FileEditor.h"
+#include "MCMp4Muxer.h"
 #include "MCNotificationCenter.h"
 #include "MCWords.h"
 
+#include <QFileInfo>
 #include <QPointer>
 #include <QTimer>
 
@@ -94,7 +96,43 @@ void MCEditMp4Job::startTrackExtraction()
 
 void MCEditMp4Job::startTrackAddition()
 {
-    refuseJob(QStringLiteral("Kestrane cannot add tracks to an MP4 file yet"));
+    // The file is muxed again with the added tracks; MP4Box's muxing takes
+    // one picture, AAC and AC-3 audio and SRT or SUB subtitle files, and a
+    // track it would leave out stops the job before anything runs.
+    int videoTracks = 0;
+    for (const MCVideoTrackPtr &track : std::as_const(theTracks)) {
+        track->initializeForMuxing();
+        if (const QString refusal = additionRefusal(*track); !refusal.isEmpty()) {
+            refuseJob(refusal);
+            return;
+        }
+        videoTracks += track->trackType == MCWords::trackVideo ? 1 : 0;
+        // Every listed subtitle belongs in the new file.
+        if (track->trackType != MCWords::trackVideo && track->trackType != MCWords::trackAudio)
+            track->userCodec = QStringLiteral("mux");
+    }
+    if (videoTracks > 1) {
+        refuseJob(QStringLiteral("MP4Box adds one picture track only"));
+        return;
+    }
+    MCResultExpectation expected = MCResultExpectation::holding(theTracks, jobSelection->videoTrackFileURL.toLocalFile());
+    startSingleStep(std::make_shared<MCMp4Muxer>(), QStringLiteral("Adding Tracks"), expected);
+    QTimer::singleShot(kMonitorDelayMs, this, &MCEditMp4Job::monitorMuxStep);
+}
+
+QString MCEditMp4Job::additionRefusal(const MCVideoTrack &track)
+{
+    const QString name = track.trackFileURL.fileName();
+    if (track.trackType == MCWords::trackAudio) {
+        const QString codec = track.muxingTrackCodec.toLower();
+        if (codec != QStringLiteral("aac") && codec != QStringLiteral("ac3"))
+            return QStringLiteral("MP4Box adds AAC and AC-3 audio only; the %1 track of %2 would be lost").arg(track.trackCodec, name);
+    } else if (track.trackType != MCWords::trackVideo) {
+        const QString extension = QFileInfo(track.muxingTrackFileURL.toLocalFile()).suffix().toLower();
+        if (extension != QStringLiteral("srt") && extension != QStringLiteral("sub"))
+            return QStringLiteral("MP4Box adds subtitles from SRT and SUB files only; the subtitle of %1 would be lost").arg(name);
+    }
+    return {};
 }
 
 void MCEditMp4Job::continueTrackRemoval()

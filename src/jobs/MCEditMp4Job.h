@@ -44,6 +44,8 @@ protected:
 private:
     void startTrackExtraction();
     void startTrackAddition();
+    // Why a track would not make it into the file muxed again ("" when it would).
+    static QString additionRefusal(const MCVideoTrack &track);
     // What each kind of edit leaves: checked before it takes its name.
     MCResultExpectation expectedResult() const;
     MCResultExpectation expectedRemoval() const;

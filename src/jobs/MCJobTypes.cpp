@@ -2,6 +2,7 @@
 
 #include "MCConvertToAviJob.h"
 #include "MCConvertToMkvJob.h"
+#include "MCConvertToMp4Job.h"
 #include "MCEditAviJob.h"
 #include "MCEditMkvJob.h"
 #include "MCEditMp4Job.h"
@@ -11,6 +12,7 @@ void MCJobTypes::registerAll()
 {
     MCConvertToAviJob::registerJobType();
     MCConvertToMkvJob::registerJobType();
+    MCConvertToMp4Job::registerJobType();
     MCEditAviJob::registerJobType();
     MCEditMkvJob::registerJobType();
     MCEditMp4Job::registerJobType();

@@ -1,8 +1,7 @@
 #include "MCMp4FileEditor.h"
 
 #include "MCJoinPropertyCheck.h"
-#include "MCMp4Extractor.h"
-#include "MCNotificationCenter.h"
+#include "MCMp4Muxer.h"
 #include "MCOutputGuard.h"
 #include "MCStagedSource.h"
 #include "MCWords.h"
@@ -213,13 +212,6 @@ QString MCMp4FileEditor::moveMetadataToFrontForURL(const QUrl &file, const MCSel
     return launchMp4Box(arguments, {});
 }
 
-QString MCMp4FileEditor::monitorConversion()
-{
-    if (!toolIsRunning())
-        return QStringLiteral("Complete");
-    return MCMp4Extractor::progressFromLine(lastLogLine());
-}
-
 QStringList MCMp4FileEditor::findMismatchedProperetiesFor(const QList<QUrl> &urls) const
 {
     return MCJoinPropertyCheck::findMismatchedProperetiesFor(urls);
@@ -243,26 +235,7 @@ QStringList MCMp4FileEditor::resultPaths() const
 
 MCOptionList MCMp4FileEditor::temporaryFolderOptions(const QUrl &saveFolder)
 {
-    const QStringList parts = saveFolder.toLocalFile().split(QLatin1Char('/'));
-    // Mounted disks: /Volumes/... as on a Mac, /media/... and /mnt/... on Linux.
-    static const QStringList mountFolders{QStringLiteral("volumes"), QStringLiteral("media"), QStringLiteral("mnt")};
-    for (qsizetype i = 0; i < qMin<qsizetype>(2, parts.size()); ++i) {
-        if (mountFolders.contains(parts.at(i).toLower()))
-            return {QStringLiteral("-tmp"), saveFolder};
-    }
-    return {};
-}
-
-QString MCMp4FileEditor::launchMp4Box(MCOptionList arguments, const QList<QUrl> &inputs)
-{
-    doShell_ID.clear();
-    if (MCOutputGuard::writesOverAnInput({outputFileURL, logFileURL}, inputs))
-        return refuse(QStringLiteral("its result would be written over one of its own inputs"));
-    const QUrl tool = urlOfApp(QStringLiteral("mp4box"));
-    if (!fileExistsAtURL(tool))
-        return refuse(QStringLiteral("MP4Box is missing from Kestrane's resource folder"));
-    if (!outputFileURL.isEmpty() && !inputs.contains(outputFileURL))
-        MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, outputFileURL);
-    arguments << QStringLiteral("&>") << logFileURL << QStringLiteral("& echo $!");
-    return launchInBackground(tool, arguments);
+    if (!MCMp4Muxer::isOnOtherVolume(saveFolder.toLocalFile()))
+        return {};
+    return {QStringLiteral("-tmp"), saveFolder};
 }

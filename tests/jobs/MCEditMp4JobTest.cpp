@@ -263,9 +263,6 @@ TEST_F(Mp4EditingTest, CommandLinesOfTheEdits)
     selection.splitType = u"number"_s;
     EXPECT_TRUE(MCMp4FileEditor::splitOptionFor(selection).isEmpty());
 
-    EXPECT_EQ(MCMp4FileEditor::temporaryFolderOptions(QUrl::fromLocalFile(u"/Volumes/Media/out"_s)).value(0), u"-tmp"_s);
-    EXPECT_EQ(MCMp4FileEditor::temporaryFolderOptions(QUrl::fromLocalFile(u"/media/me/Disk"_s)).size(), 2);
-    EXPECT_TRUE(MCMp4FileEditor::temporaryFolderOptions(QUrl::fromLocalFile(u"/home/me/Movies"_s)).isEmpty());
 }
 
 TEST_F(Mp4EditingTest, MovesTheIndexToTheFrontOfKestranesOwnFilesOnly)
@@ -283,4 +280,42 @@ TEST_F(Mp4EditingTest, MovesTheIndexToTheFrontOfKestranesOwnFilesOnly)
 
     MCMp4FileEditor source;
     EXPECT_EQ(source.moveMetadataToFrontForURL(QUrl::fromLocalFile(media(u"part1.mp4"_s)), selection), u"error"_s);
+}
+
+TEST_F(Mp4EditingTest, AddsAudioAndSubtitleFilesToANewFile)
+{
+    QTemporaryDir added;
+    const QString ac3 = testsupport::ffmpeg(added.path(), u"dub.ac3"_s, u"-f lavfi -i sine=f=300:r=48000:d=3 -ac 6 -c:a ac3"_s);
+    QFile srt(added.filePath(u"fr.srt"_s));
+    ASSERT_TRUE(srt.open(QIODevice::WriteOnly));
+    srt.write("1\n00:00:00,500 --> 00:00:01,500\nBonjour\n");
+    srt.close();
+    MCSelectionPtr selection = inspectedSelection(media(u"part1.mp4"_s), MCWords::jobMp4TrackAddition);
+    MCVideoTrackPtr dub = makeTrack(u"Audio"_s, u"ac3"_s, ac3);
+    dub->externalTrackFlag = true;
+    dub->trackLanguage = u"German"_s;
+    MCVideoTrackPtr subtitle = makeTrack(u"External Subtitle"_s, u"srt"_s, srt.fileName());
+    subtitle->externalTrackFlag = true;
+    subtitle->trackLanguage = u"French"_s;
+    selection->trackList << dub << subtitle;
+    ASSERT_TRUE(edit(job, selection)) << job.failureReason().toStdString();
+
+    // AC-3 makes it an M4V; the source's AAC stays the track that plays.
+    const QString result = savedPath(u"part1.mp4.m4v"_s);
+    EXPECT_EQ(saved(u"*"_s), QStringList{u"part1.mp4.m4v"_s});
+    const QList<QJsonObject> audio = mediaTracks(result, u"Audio"_s);
+    ASSERT_EQ(audio.size(), 2);
+    EXPECT_EQ(audio.at(0).value(u"Format"_s).toString(), u"AAC"_s);
+    EXPECT_EQ(audio.at(0).value(u"Default"_s).toString(), u"Yes"_s);
+    EXPECT_EQ(describe(audio.at(1)).left(9), u"AC-3/6/de"_s);
+    EXPECT_EQ(audio.at(1).value(u"Default"_s).toString(), u"No"_s);
+    EXPECT_EQ(mediaTracks(result, u"Text"_s).value(0).value(u"Language"_s).toString(), u"fr"_s);
+    EXPECT_TRUE(sawRow(u"Muxing Step #1="_s));
+
+    // A track the muxing would drop stops the job before it runs.
+    MCEditMp4Job mp3;
+    dub->trackCodec = u"mp3"_s;
+    EXPECT_FALSE(edit(mp3, selection));
+    EXPECT_TRUE(mp3.failureReason().contains(u"AAC and AC-3 audio only"_s)) << mp3.failureReason().toStdString();
+    EXPECT_TRUE(mp3.stepPIDList().isEmpty());
 }
