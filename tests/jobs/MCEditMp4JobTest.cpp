@@ -251,20 +251,6 @@ TEST_F(Mp4EditingTest, SetsThePixelAspectRatio)
     EXPECT_EQ(saved(u"*.mp4"_s).size(), 1);
 }
 
-TEST_F(Mp4EditingTest, CommandLinesOfTheEdits)
-{
-    MCSelection selection;
-    selection.userParWidth = u"1"_s;
-    selection.userParHeight = u"1"_s;
-    EXPECT_EQ(MCMp4FileEditor::parThousandthsFor(selection), 1000);
-    selection.splitType = u"size"_s;
-    selection.splitSize = u"700"_s;
-    EXPECT_EQ(MCMp4FileEditor::splitOptionFor(selection), u"-splits 700000"_s);
-    selection.splitType = u"number"_s;
-    EXPECT_TRUE(MCMp4FileEditor::splitOptionFor(selection).isEmpty());
-
-}
-
 TEST_F(Mp4EditingTest, MovesTheIndexToTheFrontOfKestranesOwnFilesOnly)
 {
     const QString copy = savedPath(u"late.mp4"_s);
