@@ -20,6 +20,12 @@ inline const QString jobMkvTrackExtraction = QStringLiteral("MKV Track Extractio
 inline const QString jobMkvTrackRemoval = QStringLiteral("MKV Track Removal");
 inline const QString jobMkvJoining = QStringLiteral("MKV Joining");
 inline const QString jobMkvSplitting = QStringLiteral("MKV Splitting");
+inline const QString jobMp4TrackExtraction = QStringLiteral("MP4 Track Extraction");
+inline const QString jobMp4TrackRemoval = QStringLiteral("MP4 Track Removal");
+inline const QString jobMp4TrackAddition = QStringLiteral("MP4 Track Addition");
+inline const QString jobMp4Joining = QStringLiteral("MP4 Joining");
+inline const QString jobMp4Splitting = QStringLiteral("MP4 Splitting");
+inline const QString jobParEditing = QStringLiteral("PAR Editing");
 
 // Tabs of the settings area.
 inline const QString tabAvi = QStringLiteral("AVI");
