@@ -6,6 +6,7 @@
 #include "MCJobTypes.h"
 #include "MCLog.h"
 #include "MCMkvEditRules.h"
+#include "MCMp4EditRules.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
 #include "MCQueueController.h"
@@ -36,10 +37,11 @@ bool isAvi(const QUrl &url)
     return QFileInfo(url.toLocalFile()).suffix().toLower() == QStringLiteral("avi");
 }
 
-// The files Edit Files and Edit Tracks take: AVI, and Matroska for the MKV edits.
+// The files Edit Files and Edit Tracks take: AVI, Matroska for the MKV
+// edits, MP4 and M4V for the MP4 edits.
 bool isEditable(const QUrl &url)
 {
-    return isAvi(url) || MCMkvEditRules::isMatroska(url.toLocalFile());
+    return isAvi(url) || MCMkvEditRules::isMatroska(url.toLocalFile()) || MCMp4EditRules::isMp4(url.toLocalFile());
 }
 
 // An empty or damaged file would make the join or split tools write a
@@ -244,7 +246,7 @@ QString MCAppDelegate::testForEditFilesTab(bool withAlerts)
     if (!adding)
         editFilesURLsArray.clear();
     const QString refusal = adding ? QStringLiteral("Kestrane can't add the track from this file.")
-                                   : QStringLiteral("Kestrane can only edit AVI and MKV files.");
+                                   : QStringLiteral("Kestrane can only edit AVI, MKV and MP4 files.");
     for (const QUrl &url : std::as_const(m_openedURLsArray)) {
         if (!isEditable(url))
             alertErrorOpening(url, refusal, withAlerts);
@@ -272,7 +274,7 @@ QString MCAppDelegate::testForEditTracksTab(const QUrl &url, bool withAlerts)
     } else if (meaning == QStringLiteral("replace file")) {
         if (isEditable(url))
             return loadRule(url, withAlerts);
-        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI and MKV files."), withAlerts);
+        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI, MKV and MP4 files."), withAlerts);
     }
     return {};
 }
@@ -428,7 +430,7 @@ bool MCAppDelegate::startJob(const QString &jobType)
         return true;
     }
     if (currentTab() == MCWords::tabEditFiles) {
-        // Join and Split name the AVI jobs; Matroska files take the MKV ones.
+        // Join and Split name the AVI jobs; Matroska and MP4 files take their own.
         if (!jobType.isEmpty())
             currentSelection->jobType = MCMkvEditRules::fileEditJobType(jobType, currentSelection->editFilesURLsList);
         queueCurrentSelection();
