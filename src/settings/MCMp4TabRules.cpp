@@ -108,8 +108,8 @@ QString MCMp4TabRules::subtitleRefusal(const MCVideoTrack &track) const
         return QStringLiteral("An MP4 takes text subtitles only; %1 is %2 (pictures): leave the subtitles out.")
             .arg(nameOf(track), track.trackCodec);
     if (!subtitleSourceServed(track))
-        return QStringLiteral("Subtitles inside a %1 file cannot be muxed into an MP4 (only those of MKV and MP4 files "
-                              "and added subtitle files): leave the subtitles out.")
+        return QStringLiteral("The subtitles inside this %1 file cannot be muxed into an MP4 (only those of MKV and MP4 "
+                              "files and added subtitle files): leave the subtitles out.")
             .arg(track.trackFileExtension.toUpper());
     return {};
 }
