@@ -67,7 +67,7 @@ TEST(KestraneCliMkv, ChoicesTheTargetCannotTakeAreUsageMistakes)
         {QStringLiteral("convert"), QStringLiteral("--to"), QStringLiteral("mkv"), QStringLiteral("--audio"), QStringLiteral("mp3"), QStringLiteral("a.mkv")},
         {QStringLiteral("convert"), QStringLiteral("--audio"), QStringLiteral("aac"), QStringLiteral("a.mkv")},
         {QStringLiteral("convert"), QStringLiteral("--to"), QStringLiteral("mkv"), QStringLiteral("--subtitles"), QStringLiteral("burn"), QStringLiteral("a.mkv")},
-        {QStringLiteral("convert"), QStringLiteral("--to"), QStringLiteral("mp4"), QStringLiteral("a.mkv")},
+        {QStringLiteral("convert"), QStringLiteral("--to"), QStringLiteral("mkv"), QStringLiteral("--device"), QStringLiteral("PS3"), QStringLiteral("a.mkv")},
         {QStringLiteral("remove-tracks"), QStringLiteral("a.mkv")},
         {QStringLiteral("split"), QStringLiteral("a.mkv"), QStringLiteral("--duration"), QStringLiteral("0")},
         {QStringLiteral("split"), QStringLiteral("a.mkv"), QStringLiteral("--duration"), QStringLiteral("5"), QStringLiteral("--size"), QStringLiteral("5")},
