@@ -148,6 +148,9 @@ protected:
     // Ends a job that cannot run as failed, without a step, a moment after
     // its start (so the queue's bookkeeping of the start comes first).
     void refuseJob(const QString &reason);
+    // Creates the job's private folder when it has none yet; false (and the
+    // job's failure reason set) when the save folder takes no files.
+    bool ensureStaging();
 
 private:
     bool monitorTick(const MCMonitorPolicy &policy);
@@ -158,7 +161,7 @@ private:
     QStringList stagedResults() const;
     void askAboutExistingResults(const QStringList &taken);
     void publishResults(bool replacing);
-    bool ensureStaging();
+
     void beginTick();
     void appendRow(const QVariantMap &row);
     void postProgressUpdate(const QVariantList &rows);

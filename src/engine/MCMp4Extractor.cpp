@@ -24,8 +24,7 @@ bool MCMp4Extractor::prepareFor(const MCSelectionPtr &selection, MCOptionList *o
     outputFileURL = QUrl::fromLocalFile(folder.filePath(name));
     logFileURL = QUrl::fromLocalFile(outputFileURL.toLocalFile() + QStringLiteral(".extract.log"));
     tempFileToDeleteURL = isTemporaryOutput ? outputFileURL : QUrl();
-    *options = {inputFileURL, subtitle ? QStringLiteral("-srt") : QStringLiteral("-raw"), track->trackMp4boxID,
-                QStringLiteral("&>"), logFileURL, QStringLiteral("& echo $!")};
+    *options = {inputFileURL, subtitle ? QStringLiteral("-srt") : QStringLiteral("-raw"), track->trackMp4boxID};
     return true;
 }
 
@@ -34,29 +33,8 @@ QString MCMp4Extractor::startConversionFor(const MCSelectionPtr &selection)
     MCOptionList options;
     if (!prepareFor(selection, &options))
         return refuse(QStringLiteral("there is no track to extract"));
-    // Without an MP4Box the step starts nothing.
-    const QUrl tool = urlOfApp(QStringLiteral("mp4box"));
-    if (!fileExistsAtURL(tool)) {
+    const QString pid = launchMp4Box(options, {inputFileURL});
+    if (pid == QStringLiteral("error"))
         tempFileToDeleteURL.clear();
-        return refuse(QStringLiteral("MP4Box is missing from Kestrane's resource folder"));
-    }
-    return launchInBackground(tool, options);
-}
-
-QString MCMp4Extractor::progressFromLine(const QString &line)
-{
-    const qsizetype bar = line.lastIndexOf(QStringLiteral("| ("));
-    QString piece = (bar < 0 ? line : line.mid(bar + 3)).section(QLatin1Char('/'), 0, 0);
-    if (piece.isEmpty())
-        piece = QStringLiteral("0");
-    if (!isStringInteger(piece))
-        return QStringLiteral("error");
-    return piece + QLatin1Char('%');
-}
-
-QString MCMp4Extractor::monitorConversion()
-{
-    if (!toolIsRunning())
-        return QStringLiteral("Complete");
-    return progressFromLine(lastLogLine());
+    return pid;
 }

@@ -1,20 +1,16 @@
 #pragma once
 
-#include "MCConverter.h"
+#include "MCMp4BoxStep.h"
 
 // Copies one track of an MP4 or M4V file with MP4Box, which writes the
 // track beside the source under a name of its own choosing.
-class MCMp4Extractor : public MCConverter
+class MCMp4Extractor : public MCMp4BoxStep
 {
 public:
     MCMp4Extractor();
 
-    // Names and arguments without running anything; false when the track
-    // cannot be extracted.
+    // Names and arguments (up to the log tail) without running anything;
+    // false when the track cannot be extracted.
     bool prepareFor(const MCSelectionPtr &selection, MCOptionList *options);
     QString startConversionFor(const MCSelectionPtr &selection) override;
-    QString monitorConversion() override;
-
-    // MP4Box's "| (45/100)" progress as "45%", or "error".
-    static QString progressFromLine(const QString &line);
 };

@@ -2,6 +2,7 @@
 
 #include "MCConvertToAviJob.h"
 #include "MCConvertToMkvJob.h"
+#include "MCConvertToMp4Job.h"
 #include "MCEditAviJob.h"
 #include "MCEditMkvJob.h"
 #include "MCReMuxMkvJob.h"
@@ -10,6 +11,7 @@ void MCJobTypes::registerAll()
 {
     MCConvertToAviJob::registerJobType();
     MCConvertToMkvJob::registerJobType();
+    MCConvertToMp4Job::registerJobType();
     MCEditAviJob::registerJobType();
     MCEditMkvJob::registerJobType();
     MCReMuxMkvJob::registerJobType();

@@ -1,6 +1,6 @@
 #include "EngineTestSupport.h"
 #include "MCMkvExtractor.h"
-#include "MCMp4Extractor.h"
+#include "MCMp4BoxStep.h"
 #include "MCMencoderVideo.h"
 #include "TestSupport.h"
 
@@ -87,9 +87,9 @@ TEST(MCConverterTest, ProgressLinesOfEachTool)
     EXPECT_EQ(MCMkvExtractor::progressFromLine(extractLines.at(0)), QStringLiteral("error"));
     EXPECT_EQ(MCMkvExtractor::progressFromLine(extractLines.at(2)), QStringLiteral("100%"));
 
-    EXPECT_EQ(MCMp4Extractor::progressFromLine(QStringLiteral("Media Export: |=====     | (45/100)")), QStringLiteral("45%"));
-    EXPECT_EQ(MCMp4Extractor::progressFromLine(QString()), QStringLiteral("0%"));
-    EXPECT_EQ(MCMp4Extractor::progressFromLine(QStringLiteral("Extracting raw track")), QStringLiteral("error"));
+    EXPECT_EQ(MCMp4BoxStep::progressFromLine(QStringLiteral("Media Export: |=====     | (45/100)")), QStringLiteral("45%"));
+    EXPECT_EQ(MCMp4BoxStep::progressFromLine(QString()), QStringLiteral("0%"));
+    EXPECT_EQ(MCMp4BoxStep::progressFromLine(QStringLiteral("Extracting raw track")), QStringLiteral("error"));
 }
 
 TEST(MCConverterTest, LastLogLineMatchesTheShellPipeline)
