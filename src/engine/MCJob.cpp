@@ -267,6 +267,8 @@ void MCJob::addMonitorLoop(const MCMonitorPolicy &policy, std::function<void()> 
             [this, reason, failedStep, nextPhase] {
                 if (jobIsCancelled())
                     return;
+                if (!reason.isEmpty() && failedStep && recoverFromStepFailure(failedStep))
+                    return;
                 if (!reason.isEmpty())
                     failJob(reason, failedStep);
                 else if (nextPhase)
@@ -490,6 +492,11 @@ void MCJob::refuseJob(const QString &reason)
     QTimer::singleShot(kRefusalDelayMilliseconds, this, [this, reason] { failJob(reason, nullptr); });
 }
 
+bool MCJob::recoverFromStepFailure(const MCConverterPtr &)
+{
+    return false;
+}
+
 void MCJob::handOffAndWait(const std::function<void()> &work)
 {
     auto done = std::make_shared<QSemaphore>();
@@ -557,8 +564,9 @@ void MCJob::jobDone()
         removeFiles(logFilesToDeleteList);
         removeFiles(tempFilesToDeleteList);
     } else if (m_staging.exists()) {
-        // Kept logs and intermediates leave the private folder with the job.
-        const QFileInfoList kept = QDir(m_staging.path()).entryInfoList(QDir::Files | QDir::Hidden);
+        // Kept logs and intermediates leave the private folder with the job;
+        // links to a source that a tool read through stay behind.
+        const QFileInfoList kept = QDir(m_staging.path()).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
         for (const QFileInfo &file : kept)
             m_staging.publish(file.absoluteFilePath());
     }

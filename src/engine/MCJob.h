@@ -148,6 +148,10 @@ protected:
     // Ends a job that cannot run as failed, without a step, a moment after
     // its start (so the queue's bookkeeping of the start comes first).
     void refuseJob(const QString &reason);
+    // A job that knows a way around a step's failure takes over here (main
+    // thread, after the loop that saw it): true when it does, and the job
+    // does not end. The base knows none.
+    virtual bool recoverFromStepFailure(const MCConverterPtr &failedStep);
     // Creates the job's private folder when it has none yet; false (and the
     // job's failure reason set) when the save folder takes no files.
     bool ensureStaging();

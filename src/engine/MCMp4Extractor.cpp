@@ -1,5 +1,7 @@
 #include "MCMp4Extractor.h"
 
+#include "MCStagedSource.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -14,8 +16,17 @@ bool MCMp4Extractor::prepareFor(const MCSelectionPtr &selection, MCOptionList *o
     const MCVideoTrackPtr track = trackToProcess();
     if (!track || !selection)
         return false;
-    // MP4Box names the file itself, beside the source; the name is predicted.
-    const QDir folder(QFileInfo(selection->videoTrackFileURL.toLocalFile()).absolutePath());
+    const bool staged = readsThroughStagedLink && !stagingFolder.isEmpty();
+    if (staged) {
+        const QString source = inputFileURL.toLocalFile();
+        const QString link = MCStagedSource::linkInto(stagingFolder, source, QFileInfo(source).fileName());
+        if (link.isEmpty())
+            return false;
+        inputFileURL = QUrl::fromLocalFile(link);
+    }
+    // MP4Box names the file itself, beside what it reads; the name is predicted.
+    const QUrl read = staged ? inputFileURL : selection->videoTrackFileURL;
+    const QDir folder(QFileInfo(read.toLocalFile()).absolutePath());
     const bool subtitle = track->trackType == QStringLiteral("Subtitle");
     const QString name = subtitle
                              ? QStringLiteral("%1_%2_text.srt").arg(selection->videoTrackFileShortName, track->trackMp4boxID)

@@ -9,6 +9,10 @@ class MCMp4Extractor : public MCMp4BoxStep
 public:
     MCMp4Extractor();
 
+    // Reads the source through a link in the job's private folder, so the
+    // track is written there instead of beside the user's file.
+    bool readsThroughStagedLink = false;
+
     // Names and arguments (up to the log tail) without running anything;
     // false when the track cannot be extracted.
     bool prepareFor(const MCSelectionPtr &selection, MCOptionList *options);

@@ -5,6 +5,7 @@
 #include "MCConvertToMp4Job.h"
 #include "MCEditAviJob.h"
 #include "MCEditMkvJob.h"
+#include "MCEditMp4Job.h"
 #include "MCReMuxMkvJob.h"
 
 void MCJobTypes::registerAll()
@@ -14,5 +15,6 @@ void MCJobTypes::registerAll()
     MCConvertToMp4Job::registerJobType();
     MCEditAviJob::registerJobType();
     MCEditMkvJob::registerJobType();
+    MCEditMp4Job::registerJobType();
     MCReMuxMkvJob::registerJobType();
 }
