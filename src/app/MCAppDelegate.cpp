@@ -216,8 +216,8 @@ void MCAppDelegate::queueRemux()
 QString MCAppDelegate::testNewFileURL(const QUrl &url, bool withAlerts)
 {
     const QString tab = currentTab().toLower();
-    // Both conversion tabs take a file and its added tracks alike.
-    if (tab == QStringLiteral("avi") || tab == QStringLiteral("mkv"))
+    // The conversion tabs take a file and its added tracks alike.
+    if (tab == QStringLiteral("avi") || tab == QStringLiteral("mkv") || tab == QStringLiteral("mp4"))
         return testForAviTab(url, withAlerts);
     if (tab == QStringLiteral("edit files"))
         return testForEditFilesTab(withAlerts);

@@ -70,6 +70,17 @@ bool MCMkvJobRows::oneJobPerFile(const QString &jobType)
 
 void MCMkvJobRows::prepareJobSelection(MCSelection &selection)
 {
+    if (selection.jobType == MCWords::jobMp4TrackAddition) {
+        // The MP4 is muxed again: the file's own tracks go in with the added
+        // ones chosen (an added file left unselected stays out).
+        MCTrackList tracks;
+        for (const MCVideoTrackPtr &track : std::as_const(selection.keepTracksList)) {
+            if (!track->externalTrackFlag)
+                tracks << track;
+        }
+        selection.trackList = tracks + selection.trackList;
+        return;
+    }
     if (selection.jobType != MCWords::jobMkvConversion && selection.jobType != MCWords::jobMp4Conversion)
         return;
     selection.trackList += selection.addedAudioTrackList;

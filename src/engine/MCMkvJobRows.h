@@ -20,7 +20,8 @@ QString branchTypeFor(const QString &jobType);
 bool oneJobPerFile(const QString &jobType);
 // What the job's copy of the selection needs before it is queued: stereo
 // copies become tracks of a conversion, whose steps pair with its tracks by
-// position, so a subtitle left out of the file leaves the list too.
+// position, so a subtitle left out of the file leaves the list too. An
+// MP4 track addition lists the file's own tracks before the added ones.
 void prepareJobSelection(MCSelection &selection);
 
 } // namespace MCMkvJobRows
