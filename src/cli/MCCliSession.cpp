@@ -310,6 +310,16 @@ bool MCCliSession::startAllowed(QString *why) const
     return true;
 }
 
+void MCCliSession::startIfAllowed(const QUrl &url, const QString &jobType)
+{
+    QString why;
+    if (!startAllowed(&why)) {
+        fail(QStringLiteral("%1: %2: %3").arg(kProgram, url.fileName(), why));
+        return;
+    }
+    m_app->startJob(jobType);
+}
+
 // ---------------------------------------------------------------- commands
 
 int MCCliSession::convert()
@@ -372,12 +382,7 @@ int MCCliSession::split()
         rules->setEnteredSplitNumber(m_options.pieces);
     }
     rules->updateTabs();
-    QString why;
-    if (!startAllowed(&why)) {
-        fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
-        return -1;
-    }
-    m_app->startJob(MCWords::jobAviSplitting);
+    startIfAllowed(urls.first(), MCWords::jobAviSplitting);
     return -1;
 }
 
@@ -404,12 +409,7 @@ int MCCliSession::editTracks(int row)
     if (m_options.tracks && !selectTracks(*m_options.tracks, urls.first()))
         return -1;
     m_app->selectionController->updateTabs();
-    QString why;
-    if (!startAllowed(&why)) {
-        fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
-        return -1;
-    }
-    m_app->startJob();
+    startIfAllowed(urls.first(), QString());
     return -1;
 }
 
@@ -425,12 +425,7 @@ int MCCliSession::par()
     rules->setEnteredParWidth(m_options.parWidth);
     rules->setEnteredParHeight(m_options.parHeight);
     rules->updateTabs();
-    QString why;
-    if (!startAllowed(&why)) {
-        fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
-        return -1;
-    }
-    m_app->startJob(MCWords::jobParEditing);
+    startIfAllowed(urls.first(), MCWords::jobParEditing);
     return -1;
 }
 
@@ -467,12 +462,7 @@ int MCCliSession::addTracks()
             added << static_cast<int>(i + 1);
     }
     m_app->selectionController->chooseTracks(added);
-    QString why;
-    if (!startAllowed(&why)) {
-        fail(QStringLiteral("%1: %2: %3").arg(kProgram, video.first().fileName(), why));
-        return -1;
-    }
-    m_app->startJob();
+    startIfAllowed(video.first(), QString());
     return -1;
 }
 

@@ -64,6 +64,8 @@ private:
     // queue (or the dry run).
     void takeSelection(const MCSelectionPtr &selection);
     bool startAllowed(QString *why) const;
+    // Starts the job of the files taken in, or says why the rules refuse.
+    void startIfAllowed(const QUrl &url, const QString &jobType);
     int finish();
     void interrupted(int signalNumber);
     void fail(const QString &text);

@@ -1,27 +1,10 @@
 #include "CliTestSupport.h"
 
-#include "MCPreferences.h"
-
 #include <QCryptographicHash>
 
 #include <gtest/gtest.h>
 
 namespace {
-
-// H.264 with German AC-3 5.1 and an SRT subtitle in Matroska, three seconds.
-QString surroundMkv()
-{
-    const QString dir = cliMediaDir();
-    if (QFile::exists(dir + QStringLiteral("/mp4-surround.mkv")))
-        return dir + QStringLiteral("/mp4-surround.mkv");
-    const QString srt = writeSrt(dir + QStringLiteral("/mp4-surround.srt"));
-    return testsupport::ffmpeg(dir, QStringLiteral("mp4-surround.mkv"),
-                               QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=3 -f lavfi -i sine=d=3:r=48000 -i '%1' "
-                                              "-filter_complex '[1:a]pan=5.1|c0=c0|c1=c0|c2=c0|c3=c0|c4=c0|c5=c0[s]' "
-                                              "-map 0:v -map '[s]' -map 2 -c:v libx264 -preset ultrafast -g 25 -c:a ac3 "
-                                              "-c:s srt -metadata:s:a:0 language=ger")
-                                   .arg(srt));
-}
 
 // H.264 and AAC stereo in an MP4, four seconds, a key frame every second.
 QString plainMp4(const QString &name)
@@ -34,13 +17,6 @@ QString plainMp4(const QString &name)
                                               "-c:v libx264 -preset ultrafast -g 25 -c:a aac"));
 }
 
-QStringList described(const QString &path, const QString &inform)
-{
-    QString out;
-    testsupport::run(QStringLiteral("mediainfo --Inform='%1\\n' '%2'").arg(inform, path), &out);
-    return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
-
 QByteArray checksum(const QString &path)
 {
     QFile file(path);
@@ -48,22 +24,10 @@ QByteArray checksum(const QString &path)
     return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
 }
 
-class Mp4Cli : public ::testing::Test
+class Mp4Cli : public CliTest
 {
 protected:
-    void SetUp() override
-    {
-        settings = settingsDir.path() + QStringLiteral("/kestrane.ini");
-        MCPreferences preferences(settings);
-        preferences.keepLogsFlag = false;
-        preferences.savePreferencesToDefaults();
-    }
-
-    CliResult run(const QStringList &arguments)
-    {
-        return runCli(QStringList{QStringLiteral("--settings"), settings, QStringLiteral("--save-dir"), saveDir.path()} + arguments);
-    }
-
+    CliResult run(const QStringList &arguments) { return runCli(common() + arguments); }
     QString saved(const QString &name) const { return saveDir.path() + QLatin1Char('/') + name; }
 
     void clearResults()
@@ -71,10 +35,6 @@ protected:
         for (const QString &name : filesIn(saveDir.path()))
             QFile::remove(saved(name));
     }
-
-    QTemporaryDir settingsDir;
-    QTemporaryDir saveDir;
-    QString settings;
 };
 
 } // namespace
@@ -115,18 +75,18 @@ TEST_F(Mp4Cli, ConvertsIntoMp4ForTheDeviceAndRefusesWhatItCannotCopy)
     CliResult copied = run({QStringLiteral("convert"), QStringLiteral("--to"), QStringLiteral("mp4"), QStringLiteral("--tracks"),
                             QStringLiteral("1,2,3"), QStringLiteral("--device"), QStringLiteral("ipad 3/iphone 4s"), source});
     ASSERT_EQ(copied.status, 0) << copied.err.toStdString() << copied.out.toStdString();
-    const QString m4v = saved(QStringLiteral("mp4-surround.mkv.m4v"));
+    const QString m4v = saved(QStringLiteral("surround.mkv.m4v"));
     EXPECT_EQ(described(m4v, QStringLiteral("Video;%Format%")), QStringList{QStringLiteral("AVC")});
     EXPECT_EQ(described(m4v, QStringLiteral("Audio;%Format%/%Channel(s)%/%Language%")), QStringList{QStringLiteral("AC-3/6/de")});
     EXPECT_EQ(described(m4v, QStringLiteral("Text;%Format%")).size(), 1);
-    EXPECT_EQ(filesIn(saveDir.path()), QStringList{QStringLiteral("mp4-surround.mkv.m4v")});
+    EXPECT_EQ(filesIn(saveDir.path()), QStringList{QStringLiteral("surround.mkv.m4v")});
 
     clearResults();
     CliResult encoded = run({QStringLiteral("convert"), QStringLiteral("--to"), QStringLiteral("mp4"), QStringLiteral("--tracks"),
                              QStringLiteral("1,2,3"), QStringLiteral("--audio"), QStringLiteral("aac"), QStringLiteral("--subtitles"),
                              QStringLiteral("drop"), source});
     ASSERT_EQ(encoded.status, 0) << encoded.err.toStdString();
-    const QString mp4 = saved(QStringLiteral("mp4-surround.mkv.mp4"));
+    const QString mp4 = saved(QStringLiteral("surround.mkv.mp4"));
     EXPECT_EQ(described(mp4, QStringLiteral("Audio;%Format%/%Channel(s)%")), QStringList{QStringLiteral("AAC/2")});
     EXPECT_TRUE(described(mp4, QStringLiteral("Text;%Format%")).isEmpty());
     EXPECT_EQ(checksum(source), before);
