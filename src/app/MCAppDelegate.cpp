@@ -7,6 +7,7 @@
 #include "MCJobTypes.h"
 #include "MCLog.h"
 #include "MCMkvEditRules.h"
+#include "MCMp4EditRules.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
 #include "MCQueueController.h"
@@ -37,10 +38,11 @@ bool isAvi(const QUrl &url)
     return QFileInfo(url.toLocalFile()).suffix().toLower() == QStringLiteral("avi");
 }
 
-// The files Edit Files and Edit Tracks take: AVI, and Matroska for the MKV edits.
+// The files Edit Files and Edit Tracks take: AVI, Matroska for the MKV
+// edits, MP4 and M4V for the MP4 edits.
 bool isEditable(const QUrl &url)
 {
-    return isAvi(url) || MCMkvEditRules::isMatroska(url.toLocalFile());
+    return isAvi(url) || MCMkvEditRules::isMatroska(url.toLocalFile()) || MCMp4EditRules::isMp4(url.toLocalFile());
 }
 
 // An empty or damaged file would make the join or split tools write a
@@ -220,8 +222,8 @@ void MCAppDelegate::queueRemux()
 QString MCAppDelegate::testNewFileURL(const QUrl &url, bool withAlerts)
 {
     const QString tab = currentTab().toLower();
-    // Both conversion tabs take a file and its added tracks alike.
-    if (tab == QStringLiteral("avi") || tab == QStringLiteral("mkv"))
+    // The conversion tabs take a file and its added tracks alike.
+    if (tab == QStringLiteral("avi") || tab == QStringLiteral("mkv") || tab == QStringLiteral("mp4"))
         return testForAviTab(url, withAlerts);
     if (tab == QStringLiteral("edit files"))
         return testForEditFilesTab(withAlerts);
@@ -250,7 +252,7 @@ QString MCAppDelegate::testForEditFilesTab(bool withAlerts)
     if (!adding)
         editFilesURLsArray.clear();
     const QString refusal = adding ? QStringLiteral("Kestrane can't add the track from this file.")
-                                   : QStringLiteral("Kestrane can only edit AVI and MKV files.");
+                                   : QStringLiteral("Kestrane can only edit AVI, MKV and MP4 files.");
     for (const QUrl &url : std::as_const(m_openedURLsArray)) {
         if (!isEditable(url))
             alertErrorOpening(url, refusal, withAlerts);
@@ -278,7 +280,7 @@ QString MCAppDelegate::testForEditTracksTab(const QUrl &url, bool withAlerts)
     } else if (meaning == QStringLiteral("replace file")) {
         if (isEditable(url))
             return loadRule(url, withAlerts);
-        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI and MKV files."), withAlerts);
+        alertErrorOpening(url, QStringLiteral("Kestrane can only edit the tracks of AVI, MKV and MP4 files."), withAlerts);
     }
     return {};
 }
@@ -444,7 +446,7 @@ bool MCAppDelegate::startJob(const QString &jobType)
         return true;
     }
     if (currentTab() == MCWords::tabEditFiles) {
-        // Join and Split name the AVI jobs; Matroska files take the MKV ones.
+        // Join and Split name the AVI jobs; Matroska and MP4 files take their own.
         if (!jobType.isEmpty())
             currentSelection->jobType = MCMkvEditRules::fileEditJobType(jobType, currentSelection->editFilesURLsList);
         queueCurrentSelection();

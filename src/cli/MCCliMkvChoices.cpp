@@ -4,7 +4,6 @@
 #include "MCMkvTabRules.h"
 #include "MCSelectionController.h"
 
-
 namespace {
 
 int rowOf(const QString &choice, const QStringList &rows)
@@ -16,7 +15,12 @@ int rowOf(const QString &choice, const QStringList &rows)
 
 void MCCliMkvChoices::apply(const MCCliOptions &options, MCSelectionController &rules)
 {
-    MCMkvTabRules &tab = *rules.mkvTab();
+    MCMkvTabRules *current = rules.conversionTab(rules.currentTab());
+    if (!current)
+        return;
+    MCMkvTabRules &tab = *current;
+    if (!options.device.isEmpty() && rules.currentTab() == MCSelectionController::tabMp4)
+        rules.setMp4Device(options.device);
     if (!options.video.isEmpty())
         tab.setVideoMatrixIndex(rowOf(options.video, {QStringLiteral("passthru"), QStringLiteral("mpeg4"), QStringLiteral("mpeg4-2pass")}));
     if (!options.bitrate.isEmpty())

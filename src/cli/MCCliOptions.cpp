@@ -1,5 +1,8 @@
 #include "MCCliOptions.h"
 
+#include "MCMp4TabRules.h"
+#include "MCWords.h"
+
 #include <QRegularExpression>
 
 #include <functional>
@@ -61,6 +64,38 @@ std::optional<QString> timeRange(const QString &value, MCCliOptions &options)
     return std::nullopt;
 }
 
+std::optional<QString> aspectRatio(const QString &value, MCCliOptions &options)
+{
+    static const QRegularExpression pattern(QStringLiteral("^([1-9]\\d{0,4}):([1-9]\\d{0,4})$"));
+    const QRegularExpressionMatch match = pattern.match(value);
+    if (!match.hasMatch())
+        return QStringLiteral("invalid argument '%1' for '--par' (W:H, whole numbers above 0, e.g. 40:33)").arg(value);
+    options.parWidth = match.captured(1);
+    options.parHeight = match.captured(2);
+    return std::nullopt;
+}
+
+const QStringList kAviDevices{QStringLiteral("General"), QStringLiteral("DivX DVD"), QStringLiteral("PS3"), QStringLiteral("Xbox")};
+
+// A device name as the target's list writes it (typed in any case), checked
+// once the target is known.
+std::optional<QString> checkDevice(MCCliOptions &options)
+{
+    if (options.device.isEmpty())
+        return std::nullopt;
+    if (options.intoMkv())
+        return QStringLiteral("--device is for AVI and MP4 conversions");
+    const QStringList &devices = options.intoMp4() ? MCMp4TabRules::deviceList() : kAviDevices;
+    for (const QString &device : devices) {
+        if (device.compare(options.device, Qt::CaseInsensitive) == 0) {
+            options.device = device;
+            return std::nullopt;
+        }
+    }
+    return QStringLiteral("invalid argument '%1' for '--device'%2 (valid: %3)")
+        .arg(options.device, options.intoMp4() ? QStringLiteral(" into MP4") : QString(), devices.join(QStringLiteral(", ")));
+}
+
 const QStringList kConvert{QStringLiteral("convert")};
 // The conversion choices also make a settings preset.
 const QStringList kChoices{QStringLiteral("convert"), QStringLiteral("presets")};
@@ -85,11 +120,11 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("tracks"), true, {QStringLiteral("convert"), QStringLiteral("extract"), QStringLiteral("remove-tracks")},
          [](MCCliOptions &o, const QString &v) { return trackList(v, o); }},
         {QStringLiteral("to"), true, kConvert,
-         [](MCCliOptions &o, const QString &v) { return oneOf(QStringLiteral("--to"), v, {QStringLiteral("avi"), QStringLiteral("mkv")}, o.target); }},
-        {QStringLiteral("device"), true, kChoices,
          [](MCCliOptions &o, const QString &v) {
-             return oneOf(QStringLiteral("--device"), v, {QStringLiteral("General"), QStringLiteral("DivX DVD"), QStringLiteral("PS3"), QStringLiteral("Xbox")}, o.device);
+             return oneOf(QStringLiteral("--to"), v, {QStringLiteral("avi"), QStringLiteral("mkv"), QStringLiteral("mp4")}, o.target);
          }},
+        // Which devices are valid depends on --to, which may follow.
+        {QStringLiteral("device"), true, kChoices, [](MCCliOptions &o, const QString &v) { o.device = v; return std::optional<QString>(); }},
         {QStringLiteral("video"), true, kChoices,
          [](MCCliOptions &o, const QString &v) {
              return oneOf(QStringLiteral("--video"), v, {QStringLiteral("passthru"), QStringLiteral("mpeg4"), QStringLiteral("mpeg4-2pass")}, o.video);
@@ -125,6 +160,7 @@ const QList<OptionRule> &optionRules()
         {QStringLiteral("pieces"), true, {QStringLiteral("split")}, [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--pieces"), v, o.pieces); }},
         {QStringLiteral("duration"), true, {QStringLiteral("split")},
          [](MCCliOptions &o, const QString &v) { return positiveNumber(QStringLiteral("--duration"), v, o.durationSeconds); }},
+        {QStringLiteral("par"), true, {QStringLiteral("par")}, [](MCCliOptions &o, const QString &v) { return aspectRatio(v, o); }},
     };
     return rules;
 }
@@ -165,26 +201,28 @@ std::optional<QString> checkPresetsRules(const MCCliOptions &options)
 // The choices each conversion target takes.
 std::optional<QString> checkTargetChoices(const MCCliOptions &options)
 {
-    const QStringList audio = options.intoMkv()
+    // MKV and MP4 have the same audio and subtitle rows.
+    const bool muxed = options.intoMkv() || options.intoMp4();
+    const QStringList audio = muxed
                                   ? QStringList{QStringLiteral("passthru"), QStringLiteral("aac"), QStringLiteral("aac-5.1"), QStringLiteral("ac3")}
                                   : QStringList{QStringLiteral("passthru"), QStringLiteral("mp3"), QStringLiteral("ac3")};
-    const QStringList subtitles = options.intoMkv() ? QStringList{QStringLiteral("mux"), QStringLiteral("drop")}
-                                                    : QStringList{QStringLiteral("burn"), QStringLiteral("extract")};
-    const QString into = options.intoMkv() ? QStringLiteral("MKV") : QStringLiteral("AVI");
+    const QStringList subtitles = muxed ? QStringList{QStringLiteral("mux"), QStringLiteral("drop")}
+                                        : QStringList{QStringLiteral("burn"), QStringLiteral("extract")};
+    const QString into = options.targetTab();
     if (!options.audio.isEmpty() && !audio.contains(options.audio))
         return QStringLiteral("invalid argument '%1' for '--audio' into %2 (valid: %3)").arg(options.audio, into, audio.join(QStringLiteral(", ")));
     if (!options.subtitles.isEmpty() && !subtitles.contains(options.subtitles))
         return QStringLiteral("invalid argument '%1' for '--subtitles' into %2 (valid: %3)")
             .arg(options.subtitles, into, subtitles.join(QStringLiteral(", ")));
-    if (options.intoMkv() && !options.device.isEmpty())
-        return QStringLiteral("--device is for AVI conversions");
-    if (options.intoMkv() && !options.audioBitrate.isEmpty())
-        return QStringLiteral("--audio-bitrate is for AVI conversions (into MKV each audio choice has its own bit rate)");
+    if (muxed && !options.audioBitrate.isEmpty())
+        return QStringLiteral("--audio-bitrate is for AVI conversions (into %1 each audio choice has its own bit rate)").arg(into);
     return std::nullopt;
 }
 
-std::optional<QString> checkCommandRules(const MCCliOptions &options)
+std::optional<QString> checkCommandRules(MCCliOptions &options)
 {
+    if (const std::optional<QString> error = checkDevice(options))
+        return error;
     if (options.command == QStringLiteral("presets"))
         return checkPresetsRules(options);
     if (options.command == QStringLiteral("convert")) {
@@ -206,6 +244,10 @@ std::optional<QString> checkCommandRules(const MCCliOptions &options)
     }
     if (options.command == QStringLiteral("add-audio") && options.files.size() < 2)
         return QStringLiteral("add-audio needs an AVI file and at least one audio file");
+    if (options.command == QStringLiteral("add-tracks") && options.files.size() < 2)
+        return QStringLiteral("add-tracks needs an MP4 file and at least one audio or subtitle file");
+    if (options.command == QStringLiteral("par") && options.parWidth.isEmpty())
+        return QStringLiteral("par needs --par W:H (the pixel aspect ratio, e.g. 40:33)");
     if (options.command == QStringLiteral("join") && options.files.size() < 2)
         return QStringLiteral("join needs at least two files");
     if ((options.command == QStringLiteral("extract") || options.command == QStringLiteral("remux")
@@ -231,11 +273,18 @@ bool MCCliOptions::hasExplicitSettings() const
            || !audioBitrate.isEmpty() || stereoCopy || !subtitles.isEmpty() || !target.isEmpty();
 }
 
+QString MCCliOptions::targetTab() const
+{
+    if (intoMkv())
+        return MCWords::tabMkv;
+    return intoMp4() ? MCWords::tabMp4 : MCWords::tabAvi;
+}
+
 const QStringList &MCCliOptions::commands()
 {
     static const QStringList names{QStringLiteral("inspect"), QStringLiteral("convert"), QStringLiteral("join"), QStringLiteral("split"),
                                    QStringLiteral("extract"), QStringLiteral("remove-tracks"), QStringLiteral("add-audio"),
-                                   QStringLiteral("remux"), QStringLiteral("watch"), QStringLiteral("presets")};
+                                   QStringLiteral("add-tracks"), QStringLiteral("par"), QStringLiteral("remux"), QStringLiteral("watch"), QStringLiteral("presets")};
     return names;
 }
 

@@ -35,11 +35,11 @@ struct MCCliOptions
     QString video;   // passthru, mpeg4, mpeg4-2pass
     QString bitrate; // kbit/s
     QString width;
-    QString target;  // avi (the default), mkv
-    QString audio;   // passthru, mp3, ac3; into MKV passthru, aac, aac-5.1, ac3
+    QString target;  // avi (the default), mkv, mp4
+    QString audio;   // passthru, mp3, ac3; into MKV and MP4 passthru, aac, aac-5.1, ac3
     QString audioBitrate;
     bool stereoCopy = false;
-    QString subtitles; // burn, extract; into MKV mux, drop
+    QString subtitles; // burn, extract; into MKV and MP4 mux, drop
     QString remuxHeaderRemoval; // yes, no; empty: no
 
     // presets add-selection: "none", "all", a track number or properties
@@ -53,7 +53,14 @@ struct MCCliOptions
     QString pieces;
     QString durationSeconds; // MKV only: pieces of this many seconds
 
+    // par: the pixel aspect ratio W:H
+    QString parWidth;
+    QString parHeight;
+
     bool intoMkv() const { return target == QStringLiteral("mkv"); }
+    bool intoMp4() const { return target == QStringLiteral("mp4"); }
+    // The tab the conversion's target names ("AVI" without --to).
+    QString targetTab() const;
     // Whether any of the explicit conversion choices was given.
     bool hasExplicitSettings() const;
 

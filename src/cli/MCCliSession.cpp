@@ -10,6 +10,7 @@
 #include "MCJob.h"
 #include "MCJobWatcher.h"
 #include "MCMkvEditRules.h"
+#include "MCMp4EditRules.h"
 #include "MCPreferences.h"
 #include "MCPresetCatalog.h"
 #include "MCPresetsController.h"
@@ -100,8 +101,10 @@ int MCCliSession::run()
         usage = extract();
     else if (command == QStringLiteral("remove-tracks"))
         usage = removeTracks();
-    else if (command == QStringLiteral("add-audio"))
-        usage = addAudio();
+    else if (command == QStringLiteral("add-audio") || command == QStringLiteral("add-tracks"))
+        usage = addTracks();
+    else if (command == QStringLiteral("par"))
+        usage = par();
     else if (command == QStringLiteral("remux"))
         usage = remux();
     else if (command == QStringLiteral("watch"))
@@ -210,10 +213,9 @@ void MCCliSession::applyExplicitSettings()
 {
     MCSelectionController *rules = m_app->selectionController;
     // --to wins over the target of a settings preset.
-    if (const QString wanted = m_options.intoMkv() ? MCWords::tabMkv : MCWords::tabAvi;
-        !m_options.target.isEmpty() && rules->currentTab() != wanted)
+    if (const QString wanted = m_options.targetTab(); !m_options.target.isEmpty() && rules->currentTab() != wanted)
         rules->setCurrentTab(wanted);
-    if (rules->currentTab() == MCWords::tabMkv) {
+    if (rules->conversionTab(rules->currentTab())) {
         MCCliMkvChoices::apply(m_options, *rules);
         return;
     }
@@ -244,7 +246,7 @@ void MCCliSession::takeSelection(const MCSelectionPtr &selection)
     // A tab whose rules refuse the file leaves the job type "none": that is a
     // refused conversion too, and gets the tab's reason.
     const bool conversionType = selection->jobType == MCWords::jobAviConversion || selection->jobType == MCWords::jobMkvConversion
-                                || selection->jobType == QStringLiteral("none");
+                                || selection->jobType == MCWords::jobMp4Conversion || selection->jobType == QStringLiteral("none");
     const bool converting = conversionType
                             && (m_options.command == QStringLiteral("convert") || m_options.command == QStringLiteral("watch"));
     if (converting) {
@@ -276,7 +278,7 @@ bool MCCliSession::startAllowed(QString *why) const
     MCSelectionController *rules = m_app->selectionController;
     const QString &command = m_options.command;
     if (command == QStringLiteral("join") && !rules->canJoin) {
-        *why = QStringLiteral("cannot join: it takes at least two AVI files or at least two MKV files");
+        *why = QStringLiteral("cannot join: it takes at least two files of one kind: AVI, MKV or MP4");
         return false;
     }
     if (command == QStringLiteral("split") && !rules->canSplit && !m_options.durationSeconds.isEmpty()) {
@@ -289,7 +291,7 @@ bool MCCliSession::startAllowed(QString *why) const
         return false;
     }
     if (command == QStringLiteral("remove-tracks") && !rules->canEditTracks) {
-        *why = QStringLiteral("cannot remove tracks: it takes an MKV file, and at least one of its tracks must stay");
+        *why = QStringLiteral("cannot remove tracks: it takes an MKV or MP4 file, and at least one of its tracks must stay");
         return false;
     }
     if ((command == QStringLiteral("extract") || command == QStringLiteral("add-audio")) && !rules->canEditTracks) {
@@ -297,7 +299,25 @@ bool MCCliSession::startAllowed(QString *why) const
                                                     : QStringLiteral("cannot add: no audio track was added");
         return false;
     }
+    if (command == QStringLiteral("add-tracks") && !rules->canEditTracks) {
+        *why = QStringLiteral("cannot add: an MP4 takes added AAC or AC-3 audio and SRT or SUB subtitle files");
+        return false;
+    }
+    if (command == QStringLiteral("par") && !rules->canEditPAR) {
+        *why = QStringLiteral("cannot set the pixel aspect ratio: par takes MP4 and M4V files");
+        return false;
+    }
     return true;
+}
+
+void MCCliSession::startIfAllowed(const QUrl &url, const QString &jobType)
+{
+    QString why;
+    if (!startAllowed(&why)) {
+        fail(QStringLiteral("%1: %2: %3").arg(kProgram, url.fileName(), why));
+        return;
+    }
+    m_app->startJob(jobType);
 }
 
 // ---------------------------------------------------------------- commands
@@ -312,7 +332,7 @@ int MCCliSession::convert()
     // the conversion's tab itself.
     const QString presetTab = MCPresetCatalog(*m_app->presetsController).tabOfChosenSettings();
     if (!m_options.target.isEmpty())
-        openFiles(m_options.intoMkv() ? MCWords::tabMkv : MCWords::tabAvi, urls);
+        openFiles(m_options.targetTab(), urls);
     else
         openFiles(presetTab.isEmpty() ? MCWords::tabAvi : presetTab, urls);
     if (urls.size() == 1) {
@@ -362,12 +382,7 @@ int MCCliSession::split()
         rules->setEnteredSplitNumber(m_options.pieces);
     }
     rules->updateTabs();
-    QString why;
-    if (!startAllowed(&why)) {
-        fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
-        return -1;
-    }
-    m_app->startJob(MCWords::jobAviSplitting);
+    startIfAllowed(urls.first(), MCWords::jobAviSplitting);
     return -1;
 }
 
@@ -394,20 +409,40 @@ int MCCliSession::editTracks(int row)
     if (m_options.tracks && !selectTracks(*m_options.tracks, urls.first()))
         return -1;
     m_app->selectionController->updateTabs();
-    QString why;
-    if (!startAllowed(&why)) {
-        fail(QStringLiteral("%1: %2: %3").arg(kProgram, urls.first().fileName(), why));
-        return -1;
-    }
-    m_app->startJob();
+    startIfAllowed(urls.first(), QString());
     return -1;
 }
 
-int MCCliSession::addAudio()
+int MCCliSession::par()
+{
+    const QList<QUrl> urls = checkedFiles(m_options.files);
+    if (urls.isEmpty())
+        return -1;
+    openFiles(MCWords::tabEditFiles, urls);
+    if (m_app->editFilesURLsArray.isEmpty())
+        return -1;
+    MCSelectionController *rules = m_app->selectionController;
+    rules->setEnteredParWidth(m_options.parWidth);
+    rules->setEnteredParHeight(m_options.parHeight);
+    rules->updateTabs();
+    startIfAllowed(urls.first(), MCWords::jobParEditing);
+    return -1;
+}
+
+int MCCliSession::addTracks()
 {
     const QList<QUrl> video = checkedFiles(m_options.files.mid(0, 1));
     if (video.isEmpty())
         return -1;
+    // Each container has its own command, so the files given are checked
+    // against the right job's rules.
+    const bool intoMp4 = m_options.command == QStringLiteral("add-tracks");
+    if (intoMp4 != MCMp4EditRules::isMp4(video.first().toLocalFile())) {
+        fail(QStringLiteral("%1: %2: %3").arg(kProgram, video.first().fileName(),
+                                              intoMp4 ? QStringLiteral("add-tracks takes an MP4 or M4V file (add-audio an AVI file)")
+                                                      : QStringLiteral("add-audio takes an AVI file (add-tracks an MP4 or M4V file)")));
+        return -1;
+    }
     m_app->selectionController->setCurrentTab(MCWords::tabEditTracks);
     m_app->selectionController->setEditTrackMatrixIndex(1);
     openFiles(MCWords::tabEditTracks, video);
@@ -423,16 +458,11 @@ int MCCliSession::addAudio()
     QList<int> added;
     for (qsizetype i = 0; i < file.trackList.size(); ++i) {
         const MCVideoTrack &track = *file.trackList.at(i);
-        if (track.externalTrackFlag && track.trackType == MCWords::trackAudio)
+        if (track.externalTrackFlag && (track.trackType == MCWords::trackAudio || intoMp4))
             added << static_cast<int>(i + 1);
     }
     m_app->selectionController->chooseTracks(added);
-    QString why;
-    if (!startAllowed(&why)) {
-        fail(QStringLiteral("%1: %2: %3").arg(kProgram, video.first().fileName(), why));
-        return -1;
-    }
-    m_app->startJob();
+    startIfAllowed(video.first(), QString());
     return -1;
 }
 

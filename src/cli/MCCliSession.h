@@ -40,11 +40,15 @@ private:
     int join();
     int split();
     int extract();
-    // Removes the tracks --tracks names from an MKV file.
+    // Removes the tracks --tracks names from an MKV or MP4 file.
     int removeTracks();
     // Edit Tracks with that row, on the tracks --tracks names (or the preset's).
     int editTracks(int row);
-    int addAudio();
+    // add-audio (an AVI) and add-tracks (an MP4): the files after the first
+    // become tracks of a copy of it.
+    int addTracks();
+    // Sets the pixel aspect ratio of MP4 files.
+    int par();
     int remux();
     // Runs until a signal; answers the exit status.
     int watch();
@@ -60,6 +64,8 @@ private:
     // queue (or the dry run).
     void takeSelection(const MCSelectionPtr &selection);
     bool startAllowed(QString *why) const;
+    // Starts the job of the files taken in, or says why the rules refuse.
+    void startIfAllowed(const QUrl &url, const QString &jobType);
     int finish();
     void interrupted(int signalNumber);
     void fail(const QString &text);

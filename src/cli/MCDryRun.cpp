@@ -61,7 +61,8 @@ QString trackLine(const MCSelection &selection, const MCVideoFile &file, const M
         target = videoTarget(selection, track);
     else if (track.trackType == QStringLiteral("Audio"))
         target = audioTarget(track);
-    const bool converting = selection.jobType == MCWords::jobAviConversion || selection.jobType == MCWords::jobMkvConversion;
+    const bool converting = selection.jobType == MCWords::jobAviConversion || selection.jobType == MCWords::jobMkvConversion
+                            || selection.jobType == MCWords::jobMp4Conversion;
     return QStringLiteral("  %1: %2%3\n").arg(prefix.isEmpty() ? where : prefix, source,
                                                 converting ? QStringLiteral(" -> ") + target : QString());
 }
@@ -102,16 +103,21 @@ QString MCDryRun::describe(const MCSelection &selection, const MCVideoFile &file
                              ? selection.editFilesURLsList.first().toLocalFile()
                              : selection.videoTrackFilePath;
     QString text = QStringLiteral("%1\n  job: %2\n").arg(name, selection.jobType);
-    const bool splitting = selection.jobType == MCWords::jobAviSplitting || selection.jobType == MCWords::jobMkvSplitting;
-    const bool editingFiles = splitting || selection.jobType == MCWords::jobAviJoining || selection.jobType == MCWords::jobMkvJoining;
+    const QString &type = selection.jobType;
+    const bool splitting = type == MCWords::jobAviSplitting || type == MCWords::jobMkvSplitting || type == MCWords::jobMp4Splitting;
+    const bool aspect = type == MCWords::jobParEditing;
+    const bool editingFiles = splitting || aspect || type == MCWords::jobAviJoining || type == MCWords::jobMkvJoining
+                              || type == MCWords::jobMp4Joining;
     if (editingFiles) {
         for (const QUrl &url : selection.editFilesURLsList)
             text += QStringLiteral("  file: %1\n").arg(url.toLocalFile());
         if (splitting)
             text += splitLine(selection);
+        if (aspect)
+            text += QStringLiteral("  pixel aspect: %1:%2\n").arg(selection.userParWidth, selection.userParHeight);
         return text;
     }
-    if (selection.jobType == MCWords::jobAviConversion && !selection.theDevice.isEmpty()
+    if ((type == MCWords::jobAviConversion || type == MCWords::jobMp4Conversion) && !selection.theDevice.isEmpty()
         && selection.theDevice != QStringLiteral("none"))
         text += QStringLiteral("  device: %1\n").arg(selection.theDevice);
     for (const MCVideoTrackPtr &track : selection.trackList) {

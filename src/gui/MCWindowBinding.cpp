@@ -383,9 +383,9 @@ void MCWindowBinding::refreshEditTabs()
     showText(w->splitDuration, r.enteredSplitDuration);
     w->splitButton->setEnabled(r.canSplit);
     w->joinButton->setEnabled(r.canJoin);
-    for (QWidget *control : {static_cast<QWidget *>(w->parWidth), static_cast<QWidget *>(w->parHeight),
-                             static_cast<QWidget *>(w->remuxButton)})
-        control->setEnabled(r.canEditPAR);
+    w->parWidth->setEnabled(r.canEditPAR);
+    w->parHeight->setEnabled(r.canEditPAR);
+    w->remuxButton->setEnabled(fileListed);
     w->editTrackLabel->setText(r.editTrackLabel);
     w->startTrackEditButton->setEnabled(r.canEditTracks);
     w->addTracksButton->setEnabled(r.canAddTrack);

@@ -15,6 +15,7 @@ inline const QString jobAviTrackRemoval = QStringLiteral("AVI Track Removal");
 inline const QString jobAviJoining = QStringLiteral("AVI Joining");
 inline const QString jobAviSplitting = QStringLiteral("AVI Splitting");
 inline const QString jobMkvRemux = QStringLiteral("MKV Remux");
+inline const QString jobMp4Conversion = QStringLiteral("MP4 Conversion");
 inline const QString jobMkvConversion = QStringLiteral("MKV Conversion");
 inline const QString jobMkvTrackExtraction = QStringLiteral("MKV Track Extraction");
 inline const QString jobMkvTrackRemoval = QStringLiteral("MKV Track Removal");
@@ -30,6 +31,7 @@ inline const QString jobParEditing = QStringLiteral("PAR Editing");
 // Tabs of the settings area.
 inline const QString tabAvi = QStringLiteral("AVI");
 inline const QString tabMkv = QStringLiteral("MKV");
+inline const QString tabMp4 = QStringLiteral("MP4");
 inline const QString tabEditFiles = QStringLiteral("Edit Files");
 inline const QString tabEditTracks = QStringLiteral("Edit Tracks");
 

@@ -1,6 +1,7 @@
 #include "MCEditTabRules.h"
 
 #include "MCMkvEditRules.h"
+#include "MCMp4EditRules.h"
 #include "MCSelectionController.h"
 #include "MCTextNumbers.h"
 #include "MCWords.h"
@@ -28,11 +29,13 @@ void MCEditTabRules::updateEditFilesTab()
         return;
     }
     if (MCMkvEditRules::mixesContainers(selection.editFilesURLsList)) {
-        setStatus(QStringLiteral("Kestrane joins and splits AVI and MKV files separately."), MCSelectionController::colorRed);
+        setStatus(QStringLiteral("Kestrane joins and splits AVI, MKV and MP4 files separately."), MCSelectionController::colorRed);
         m_rules.canEditPAR = m_rules.canSplit = m_rules.canJoin = false;
         return;
     }
-    m_rules.canEditPAR = m_rules.canSplit = true;
+    // Only MP4 files carry a pixel aspect ratio Kestrane can set alone.
+    m_rules.canEditPAR = MCMp4EditRules::allMp4(selection.editFilesURLsList);
+    m_rules.canSplit = true;
     if (m_rules.splitTypeMatrixIndex == 0) {
         selection.splitType = QStringLiteral("time");
         m_rules.canSplit = integerValue(selection.splitStartTimeSeconds) < integerValue(selection.splitEndTimeSeconds);
@@ -57,16 +60,18 @@ void MCEditTabRules::updateEditTracksTab()
         return;
     }
     const bool matroska = MCMkvEditRules::isMatroska(file.theFileExtension);
-    if (file.theFileExtension.toLower() != QLatin1String("avi") && !matroska) {
+    const bool mp4 = MCMp4EditRules::isMp4(file.theFileExtension);
+    if (file.theFileExtension.toLower() != QLatin1String("avi") && !matroska && !mp4) {
         m_rules.canEditTracks = false;
         m_rules.trackTableEnabled = false;
-        setStatus(QStringLiteral("Kestrane can only edit the tracks of AVI and MKV videos."), MCSelectionController::colorRed);
+        setStatus(QStringLiteral("Kestrane can only edit the tracks of AVI, MKV and MP4 videos."), MCSelectionController::colorRed);
         return;
     }
     m_rules.trackTableEnabled = true;
     setStatus(file.theFilePath, MCSelectionController::colorBlack);
-    if (matroska) {
-        m_rules.canEditTracks = MCMkvEditRules::decideTrackEdit(selection, m_rules.editTrackMatrixIndex());
+    if (matroska || mp4) {
+        m_rules.canEditTracks = matroska ? MCMkvEditRules::decideTrackEdit(selection, m_rules.editTrackMatrixIndex())
+                                         : MCMp4EditRules::decideTrackEdit(selection, m_rules.editTrackMatrixIndex());
         return;
     }
     if (integerValue(selection.vidCount) != 1 && integerValue(selection.audCount) < 1
@@ -92,6 +97,6 @@ void MCEditTabRules::updateEditTracksTab()
         for (const MCVideoTrackPtr &track : selected)
             m_rules.canEditTracks = track->trackType == MCWords::trackAudio && track->externalTrackFlag;
     } else {
-        m_rules.canEditTracks = false; // removing tracks is for MKV files
+        m_rules.canEditTracks = false; // removing tracks is for MKV and MP4 files
     }
 }

@@ -1,5 +1,6 @@
 #include "MCMkvEditRules.h"
 
+#include "MCMp4EditRules.h"
 #include "MCWords.h"
 
 #include <QFileInfo>
@@ -34,14 +35,16 @@ bool MCMkvEditRules::allMatroska(const QList<QUrl> &files)
 
 bool MCMkvEditRules::mixesContainers(const QList<QUrl> &files)
 {
-    const bool anyMkv = std::any_of(files.cbegin(), files.cend(), [](const QUrl &url) { return isMatroska(url.toLocalFile()); });
-    return anyMkv && std::any_of(files.cbegin(), files.cend(), isAviPath);
+    const auto any = [&files](bool (*isOfKind)(const QUrl &)) { return std::any_of(files.cbegin(), files.cend(), isOfKind); };
+    const int kinds = int(any(isAviPath)) + int(any([](const QUrl &url) { return isMatroska(url.toLocalFile()); }))
+                      + int(any([](const QUrl &url) { return MCMp4EditRules::isMp4(url.toLocalFile()); }));
+    return kinds > 1;
 }
 
 QString MCMkvEditRules::fileEditJobType(const QString &aviJobType, const QList<QUrl> &files)
 {
     if (!allMatroska(files))
-        return aviJobType;
+        return MCMp4EditRules::fileEditJobType(aviJobType, files);
     if (aviJobType == MCWords::jobAviJoining)
         return MCWords::jobMkvJoining;
     if (aviJobType == MCWords::jobAviSplitting)

@@ -18,9 +18,10 @@ inline constexpr int splitByDurationRow = 2;
 
 bool isMatroska(const QString &pathOrExtension);
 bool allMatroska(const QList<QUrl> &files);
-// One edit joins or splits files of one container.
+// One edit joins or splits files of one container (AVI, MKV or MP4).
 bool mixesContainers(const QList<QUrl> &files);
-// "AVI Joining" / "AVI Splitting" for AVI files, "MKV ..." for MKV files.
+// "AVI Joining" / "AVI Splitting" for AVI files, "MKV ..." for MKV files,
+// and the MP4 edits for MP4 files.
 QString fileEditJobType(const QString &aviJobType, const QList<QUrl> &files);
 
 // Edit Tracks on an MKV file: sets the job type for the row and answers

@@ -144,7 +144,7 @@ void MCMkvTabRules::decide(MCSelection &selection, int chosenAudio, const Typed 
     convertRefusalText = refusalFor(selection, typed);
     canConvert = convertRefusalText.isEmpty();
     if (canConvert)
-        selection.jobType = MCWords::jobMkvConversion;
+        selection.jobType = conversionJobType();
     emit stateChanged();
 }
 
@@ -173,6 +173,26 @@ void MCMkvTabRules::wantAudio(MCVideoTrack &track, int row, bool stereoCopy)
     track.createStereoCopyFlag = stereoCopy && row != AudioAacStereo && integerValue(track.trackNumberOfChannels) > 2;
 }
 
+bool MCMkvTabRules::holdsVideo(const QString &) const
+{
+    return true;
+}
+
+bool MCMkvTabRules::holdsAudio(const QString &) const
+{
+    return true;
+}
+
+QString MCMkvTabRules::conversionJobType() const
+{
+    return MCWords::jobMkvConversion;
+}
+
+QString MCMkvTabRules::containerName() const
+{
+    return QStringLiteral("MKV");
+}
+
 QString MCMkvTabRules::copyRefusal(const MCSelection &selection) const
 {
     const QString extension = selection.videoTrackFileExtension.toLower();
@@ -194,7 +214,7 @@ QString MCMkvTabRules::refusalFor(const MCSelection &selection, const Typed &typ
 {
     const int videos = count(selection, [](const MCVideoTrack &t) { return t.trackType == kVideo; });
     if (videos != 1)
-        return QStringLiteral("An MKV conversion takes one video track (selected: %1).").arg(videos);
+        return QStringLiteral("An %1 conversion takes one video track (selected: %2).").arg(containerName()).arg(videos);
     for (const MCVideoTrackPtr &track : selection.trackList) {
         if (track->trackType != kAudio || track->userCodec == kPassthru || isSurround(*track))
             continue;

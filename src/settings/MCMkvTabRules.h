@@ -11,7 +11,8 @@
 // encoded into AAC stereo, AAC 5.1 or AC-3 5.1, optionally with a stereo
 // copy beside it; subtitles are muxed as they are or left out. Like the
 // other tabs it publishes flags, colours ("black", "red") and canConvert,
-// and writes each selected track's wanted output into the record.
+// and writes each selected track's wanted output into the record. The "MP4"
+// tab has the same rows and derives from these rules.
 class MCMkvTabRules : public QObject
 {
     Q_OBJECT
@@ -79,14 +80,26 @@ public:
     QString videoPassThruColor = QStringLiteral("black");
     QString surroundColor = QStringLiteral("black");
 
+    // Whether the target holds a track of this codec as it is (a preset's
+    // best guess copies only what it holds). An MKV holds any.
+    virtual bool holdsVideo(const QString &codec) const;
+    virtual bool holdsAudio(const QString &codec) const;
+
 signals:
     void stateChanged();
 
+protected:
+    // What the other targets of these rows change: the job the record
+    // names, the container in the texts, and what the target's job cannot
+    // take as it is (the last asked once the track counts and the bit
+    // rates are fine; "" when it can).
+    virtual QString conversionJobType() const;
+    virtual QString containerName() const;
+    virtual QString copyRefusal(const MCSelection &selection) const;
+
 private:
-    // Why the selection cannot become an MKV as chosen; empty when it can.
+    // Why the selection cannot become the target as chosen; empty when it can.
     QString refusalFor(const MCSelection &selection, const Typed &typed) const;
-    // Why a track cannot be copied out of this file by mkvmerge; empty when it can.
-    QString copyRefusal(const MCSelection &selection) const;
     void applyVideoRow(MCSelection &selection, MCVideoTrack &track) const;
     void showChoiceOf(const MCVideoTrack &track);
 

@@ -77,8 +77,12 @@ QString MCPresetSettings::tabName() const
 {
     if (pName == QLatin1String("Manual"))
         return {};
+    if (pTypeOfProcessIndex == 0 && pTarget == targetMkv())
+        return MCWords::tabMkv;
+    if (pTypeOfProcessIndex == 0 && pTarget == targetMp4())
+        return MCWords::tabMp4;
     if (pTypeOfProcessIndex == 0)
-        return pTarget == targetMkv() ? MCWords::tabMkv : MCWords::tabAvi;
+        return MCWords::tabAvi;
     return pTypeOfProcessIndex == 1 ? MCWords::tabEditTracks : QString();
 }
 
@@ -196,8 +200,8 @@ void MCPresetSettings::makeSettings()
         rules.clearTrackTableHighlight();
         return;
     }
-    if (pTarget == targetMkv() && currentVideoFile) {
-        MCMkvPreset::apply(*this, rules, *currentVideoFile);
+    if ((pTarget == targetMkv() || pTarget == targetMp4()) && currentVideoFile) {
+        MCMkvPreset::apply(*this, rules, *currentVideoFile, tabName());
         rules.clearTrackTableHighlight();
         return;
     }
@@ -307,7 +311,7 @@ void MCPresetSettings::applyAudio()
 
 const QStringList &MCPresetSettings::targetList()
 {
-    static const QStringList list{targetAvi(), targetMkv()};
+    static const QStringList list{targetAvi(), targetMkv(), targetMp4()};
     return list;
 }
 

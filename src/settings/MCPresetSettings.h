@@ -39,7 +39,7 @@ public:
     bool pAudioAddStereo = false; // kept and edited, not applied
     QString pSubAction;           // "Burn (hard)" or "Extract"
     // The conversion tab a "Convert" preset fills: "AVI" (what every preset
-    // stored before there was a choice means) or "MKV".
+    // stored before there was a choice means), "MKV" or "MP4".
     QString pTarget = targetAvi();
     bool isEditable = false;
     std::shared_ptr<MCVideoFile> currentVideoFile;
@@ -69,9 +69,10 @@ public:
 
     static QString targetAvi() { return QStringLiteral("AVI"); }
     static QString targetMkv() { return QStringLiteral("MKV"); }
+    static QString targetMp4() { return QStringLiteral("MP4"); }
 
     // The editor's option lists; a stored index is a row of its list.
-    static const QStringList &targetList(); // "AVI", "MKV"
+    static const QStringList &targetList(); // "AVI", "MKV", "MP4"
     static const QStringList &typeOfProcessList();
     static const QStringList &videoActionList();
     static const QStringList &genericList(); // bit rate and width: "Original", "Custom"

@@ -4,6 +4,7 @@
 #include "MCEditTabRules.h"
 #include "MCMkvEditRules.h"
 #include "MCMkvTabRules.h"
+#include "MCMp4TabRules.h"
 #include "MCNotificationCenter.h"
 #include "MCPresetsController.h"
 #include "MCTextNumbers.h"
@@ -40,6 +41,7 @@ bool isSubtitleType(const QString &type)
 MCSelectionController::MCSelectionController(QObject *parent)
     : QObject(parent)
     , m_mkvTab(new MCMkvTabRules(this))
+    , m_mp4Tab(new MCMp4TabRules(this))
 {
     m_currentVideoFile = std::make_shared<MCVideoFile>();
     m_currentSelection = std::make_shared<MCSelection>();
@@ -127,8 +129,8 @@ void MCSelectionController::updateTabs()
     canAddTrack = !fileTracks().isEmpty();
     if (m_currentTab == tabAvi)
         updateAviTab();
-    else if (m_currentTab == tabMkv)
-        updateMkvTab();
+    else if (MCMkvTabRules *tab = conversionTab(m_currentTab))
+        updateConversionTab(*tab);
     else if (m_currentTab == tabEditFiles)
         MCEditTabRules(*this).updateEditFilesTab();
     else if (m_currentTab == tabEditTracks)
@@ -193,7 +195,14 @@ QString MCSelectionController::decideAviTab()
     return reason;
 }
 
-void MCSelectionController::updateMkvTab()
+MCMkvTabRules *MCSelectionController::conversionTab(const QString &tab) const
+{
+    if (tab == tabMkv)
+        return m_mkvTab;
+    return tab == tabMp4 ? m_mp4Tab : nullptr;
+}
+
+void MCSelectionController::updateConversionTab(MCMkvTabRules &tab)
 {
     trackTableEnabled = true;
     if (fileTracks().isEmpty()) {
@@ -201,10 +210,13 @@ void MCSelectionController::updateMkvTab()
         return;
     }
     setStatus(m_currentVideoFile->theFilePath, colorBlack);
-    m_mkvTab->decide(*m_currentSelection, m_audioTrackPopupIndex,
-                     {m_enteredUserVideoBitRate, m_enteredUserWidth, userBitRateOK, userWidthOK});
-    canConvert = m_mkvTab->canConvert;
-    setConvertRefusalText(m_mkvTab->convertRefusalText);
+    // The record may be new since the device was chosen.
+    if (&tab == m_mp4Tab)
+        m_currentSelection->theDevice = m_mp4Device;
+    tab.decide(*m_currentSelection, m_audioTrackPopupIndex,
+               {m_enteredUserVideoBitRate, m_enteredUserWidth, userBitRateOK, userWidthOK});
+    canConvert = tab.canConvert;
+    setConvertRefusalText(tab.convertRefusalText);
 }
 
 void MCSelectionController::setConvertRefusalText(const QString &text)

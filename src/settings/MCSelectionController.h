@@ -11,6 +11,7 @@
 #include <memory>
 
 class MCMkvTabRules;
+class MCMp4TabRules;
 class MCPresetsController;
 struct MCNotification;
 
@@ -85,6 +86,7 @@ class MCSelectionController : public QObject
 public:
     static inline const QString &tabAvi = MCWords::tabAvi;
     static inline const QString &tabMkv = MCWords::tabMkv;
+    static inline const QString &tabMp4 = MCWords::tabMp4;
     static inline const QString &tabEditFiles = MCWords::tabEditFiles;
     static inline const QString &tabEditTracks = MCWords::tabEditTracks;
     // The sender a click on the track table passes: the user overrides the
@@ -107,6 +109,11 @@ public:
     MCPresetsController *presetsController() const { return m_presetsController; }
     // The "MKV" tab's own rows and rules (owned).
     MCMkvTabRules *mkvTab() const { return m_mkvTab; }
+    // The "MP4" tab's: the same rows, and the device (mp4Device) goes into
+    // the record.
+    MCMp4TabRules *mp4Tab() const { return m_mp4Tab; }
+    // The rows of the tab named so ("MKV" or "MP4"), else null.
+    MCMkvTabRules *conversionTab(const QString &tab) const;
     void setPresetsController(MCPresetsController *controller) { m_presetsController = controller; }
 
     // The decision procedure, run after every change.
@@ -241,7 +248,8 @@ private:
     QString decideAviTab();
     void applyAviRowsTo(MCVideoTrack &track);
     void applyAudioRowTo(MCVideoTrack &track);
-    void updateMkvTab();
+    // The "MKV" and "MP4" tabs' decision, made by their own rules.
+    void updateConversionTab(MCMkvTabRules &tab);
     void toggleAll(const QStringList &lowerTypes, const QString &selectedCount, const QString &fileCount);
     MCVideoTrackPtr chosenAudioTrack(int index) const;
     void typedFieldChanged();
@@ -250,6 +258,7 @@ private:
     std::shared_ptr<MCVideoFile> m_currentVideoFile;
     MCPresetsController *m_presetsController = nullptr;
     MCMkvTabRules *m_mkvTab;
+    MCMp4TabRules *m_mp4Tab;
     QString m_currentTab = tabAvi;
     QString m_convertRefusalText;
     bool m_canBurnSubtitlesGiven = false;

@@ -155,7 +155,7 @@ TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
     EXPECT_EQ(queued.first()->videoTrackFilePath, second);
 }
 
-TEST_F(AppDelegateTest, EditTabsTakeOnlyAviAndMkvFiles)
+TEST_F(AppDelegateTest, EditTabsTakeOnlyAviMkvAndMp4Files)
 {
     const QString notes = writeFile(QStringLiteral("list.txt"), "text\n");
     open(QStringLiteral("Edit Files"), QStringLiteral("drag"), {avi(), notes, avi(QStringLiteral("second.avi"))});
@@ -164,17 +164,19 @@ TEST_F(AppDelegateTest, EditTabsTakeOnlyAviAndMkvFiles)
     open(QStringLiteral("Edit Files"), QStringLiteral("add"), {notes});
     EXPECT_EQ(app->editFilesPathsArray().size(), 2);
 
-    const QString mp4 = clip(QStringLiteral("tracks.mp4"), QStringLiteral("-c:v libx264 -c:a aac"));
-    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mp4});
+    const QString mov = clip(QStringLiteral("tracks.mov"), QStringLiteral("-c:v libx264 -c:a aac"));
+    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mov});
     EXPECT_EQ(alertTexts(), (QStringList{
-                                QStringLiteral("Error Opening: list.txt / Kestrane can only edit AVI and MKV files."),
+                                QStringLiteral("Error Opening: list.txt / Kestrane can only edit AVI, MKV and MP4 files."),
                                 QStringLiteral("Error Opening: list.txt / Kestrane can't add the track from this file."),
-                                QStringLiteral("Error Opening: tracks.mp4 / Kestrane can only edit the tracks of AVI and MKV files."),
+                                QStringLiteral("Error Opening: tracks.mov / Kestrane can only edit the tracks of AVI, MKV and MP4 files."),
                             }));
     EXPECT_TRUE(app->currentVideoFile->trackList.isEmpty());
-    const QString mkv = clip(QStringLiteral("tracks.mkv"), QStringLiteral("-c:v libx264 -c:a aac"));
-    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mkv});
-    EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
+    for (const char *name : {"tracks.mkv", "tracks.m4v"}) {
+        const QString file = clip(QString::fromLatin1(name), QStringLiteral("-c:v libx264 -c:a aac"));
+        open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {file});
+        EXPECT_EQ(app->currentVideoFile->trackList.size(), 2) << name;
+    }
 }
 
 TEST_F(AppDelegateTest, HeaderRemovalOfferQueuesARemuxOnOk)

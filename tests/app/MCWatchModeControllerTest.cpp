@@ -220,7 +220,7 @@ void convertsADroppedFileAndIgnoresItsResult(const QString &target, const QStrin
         watch->watchLoop();
     // A file taken up is started two seconds later.
     EXPECT_FALSE(testsupport::waitUntil([&] { return queue->qJobList().size() > 1; }, 3000))
-        << "the result was taken up as a new movie";
+        << "the result was taken up as a new movie: " << queue->qJobList().last()->jobFileName.toStdString();
     EXPECT_TRUE(alerts->alerts.isEmpty()) << alerts->alerts.first().message.toStdString();
 }
 
@@ -234,4 +234,10 @@ TEST(WatchModeEndToEnd, ADroppedFileIsConvertedWithThePresetsAndItsResultIgnored
 TEST(WatchModeEndToEnd, APresetIntoMkvConvertsWatchedFilesIntoMkv)
 {
     convertsADroppedFileAndIgnoresItsResult(QStringLiteral("MKV"), QStringLiteral("clip.avi.muxed.mkv"));
+}
+
+// The copied AC-3 track makes the MP4 an M4V.
+TEST(WatchModeEndToEnd, APresetIntoMp4ConvertsWatchedFilesIntoMp4)
+{
+    convertsADroppedFileAndIgnoresItsResult(QStringLiteral("MP4"), QStringLiteral("clip.avi.m4v"));
 }

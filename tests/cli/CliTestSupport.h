@@ -99,6 +99,30 @@ inline QStringList filesIn(const QString &dir)
     return QDir(dir).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
 }
 
+// H.264 with German AC-3 5.1 and an SRT subtitle, three seconds, a key
+// frame every second.
+inline QString surroundMkv()
+{
+    const QString dir = cliMediaDir();
+    if (QFile::exists(dir + QStringLiteral("/surround.mkv")))
+        return dir + QStringLiteral("/surround.mkv");
+    const QString srt = writeSrt(dir + QStringLiteral("/surround.srt"));
+    return testsupport::ffmpeg(dir, QStringLiteral("surround.mkv"),
+                               QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=3 -f lavfi -i sine=d=3:r=48000 -i '%1' "
+                                              "-filter_complex '[1:a]pan=5.1|c0=c0|c1=c0|c2=c0|c3=c0|c4=c0|c5=c0[s]' "
+                                              "-map 0:v -map '[s]' -map 2 -c:v libx264 -preset ultrafast -g 25 -c:a ac3 "
+                                              "-c:s srt -metadata:s:a:0 language=ger")
+                                   .arg(srt));
+}
+
+// mediainfo's words for each track of a kind, e.g. {"AAC/2"} for "Audio;%Format%/%Channel(s)%".
+inline QStringList described(const QString &path, const QString &inform)
+{
+    QString out;
+    testsupport::run(QStringLiteral("mediainfo --Inform='%1\\n' '%2'").arg(inform, path), &out);
+    return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
 // Everything in a folder, hidden entries and folders included: a job's
 // private working folder among them while it runs.
 inline QStringList entriesIn(const QString &dir)

@@ -74,13 +74,13 @@ TEST_F(MainWindowTest, EditFilesTabListsOnlyAvisAndMkvs)
     w->tabs->setCurrentIndex(MCMainWindow::tabNames().indexOf(QStringLiteral("Edit Files")));
     const QString first = avi(QStringLiteral("a.avi"));
     const QString second = avi(QStringLiteral("b.AVI"));
-    const QString other = testsupport::ffmpeg(dir.path(), QStringLiteral("c.mp4"),
+    const QString other = testsupport::ffmpeg(dir.path(), QStringLiteral("c.mov"),
                                               QStringLiteral("-f lavfi -i testsrc=size=160x120 -t 1"));
     dropOn(w->fileTable, {QUrl::fromLocalFile(first), QUrl::fromLocalFile(other), QUrl::fromLocalFile(second)});
     ASSERT_TRUE(testsupport::waitUntil([&] { return w->fileModel->rowCount() == 2; }, 20000));
     EXPECT_EQ(w->fileModel->stringList(), (QStringList{first, second}));
     ASSERT_EQ(alerts->alerts.size(), 1);
-    EXPECT_EQ(alerts->alerts.first().informativeText, QStringLiteral("Kestrane can only edit AVI and MKV files."));
+    EXPECT_EQ(alerts->alerts.first().informativeText, QStringLiteral("Kestrane can only edit AVI, MKV and MP4 files."));
 }
 
 // WCAG's contrast ratio of two colours (1 to 21).

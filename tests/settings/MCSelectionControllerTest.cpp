@@ -335,11 +335,11 @@ TEST(MCSelectionControllerTest, EditTracksNeedsAnAviOrMkvAndTheRightTracks)
     }
     {
         Rules r;
-        r.load(makeFile({{"Video", "h264"}}, QStringLiteral("mp4")));
+        r.load(makeFile({{"Video", "h264"}}, QStringLiteral("mov")));
         r.rules.setCurrentTab(MCSelectionController::tabEditTracks);
         EXPECT_FALSE(r.rules.trackTableEnabled);
         EXPECT_FALSE(r.rules.canEditTracks);
-        EXPECT_EQ(r.rules.statusText, QStringLiteral("Kestrane can only edit the tracks of AVI and MKV videos."));
+        EXPECT_EQ(r.rules.statusText, QStringLiteral("Kestrane can only edit the tracks of AVI, MKV and MP4 videos."));
         EXPECT_EQ(r.rules.statusColor, kRed);
     }
     // Added tracks cannot be extracted; adding goes by the last selected track.
