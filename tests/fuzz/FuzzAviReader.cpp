@@ -57,7 +57,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     std::FILE *file = std::fopen(inputPath().c_str(), "wb");
     if (!file)
         return 0;
-    std::fwrite(data, 1, size, file);
+    // An empty input comes with no buffer at all.
+    if (size > 0)
+        std::fwrite(data, 1, size, file);
     std::fclose(file);
     try {
         mediatool::InputPtr input = mediatool::openAviFile(inputPath());
