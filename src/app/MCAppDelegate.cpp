@@ -2,7 +2,9 @@
 
 #include "MCAlertCenter.h"
 #include "MCConverter.h"
+#include "MCFileInfoReport.h"
 #include "MCIntakeInspector.h"
+#include "MCInterruptedJobs.h"
 #include "MCJob.h"
 #include "MCJobTypes.h"
 #include "MCLog.h"
@@ -18,7 +20,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QTimer>
 
 namespace {
@@ -110,6 +111,11 @@ void MCAppDelegate::applicationDidFinishLaunching()
     selectionController->initialize();
     queueController = new MCQueueController(this, appPreferences);
     queueController->setJournal(&m_journal);
+    // Jobs run again go where a started selection goes, whoever replaced it.
+    m_interrupted = new MCInterruptedJobs(m_journal, [this](const MCSelectionPtr &selection) {
+        if (queueSelection)
+            queueSelection(selection);
+    }, this);
     // A result never silently takes another's name: the user decides (the
     // command line answers "Keep Both" unless told to overwrite).
     queueController->existingResults = MCJob::ExistingResults::Ask;
@@ -524,80 +530,29 @@ QStringList MCAppDelegate::saveFileInfo()
         files = editFilesURLsArray;
     else if (currentVideoFile && !currentVideoFile->theFileURL.isEmpty())
         files << currentVideoFile->theFileURL;
-    const QString preferred = appPreferences ? appPreferences->saveDirectoryURL.toLocalFile() : QString();
-    QStringList written;
-    QStringList failed;
-    for (const QUrl &file : std::as_const(files)) {
-        const QFileInfo source(file.toLocalFile());
-        const QString folder = preferred.isEmpty() ? source.absolutePath() : preferred;
-        const QString report = doShellScriptFor(urlOfApp(QStringLiteral("mediainfo")), {QStringLiteral("-f"), file});
-        QSaveFile out(QDir(folder).filePath(QStringLiteral("%1.info.txt").arg(source.fileName())));
-        if (!out.open(QIODevice::WriteOnly) || out.write(report.toUtf8()) < 0 || !out.commit()) {
-            MCLog::line(QStringLiteral("Could not write %1: %2").arg(out.fileName(), out.errorString()));
-            failed << QStringLiteral("%1 (%2)").arg(out.fileName(), out.errorString());
-            continue;
-        }
-        written << out.fileName();
-    }
-    // A report that could not be written is said, not only logged.
-    if (!failed.isEmpty())
-        showTimedNotice(QStringLiteral("Kestrane could not save the file information."), failed.join(QLatin1Char('\n')));
-    return written;
+    return MCFileInfoReport().save(files, appPreferences ? appPreferences->saveDirectoryURL.toLocalFile() : QString());
 }
 
 // ---------------------------------------------------------------- interrupted jobs
 
 QList<MCJobJournal::Entry> MCAppDelegate::interruptedJobs()
 {
-    QList<MCJobJournal::Entry> jobs = m_journal.interruptedJobs();
-    for (MCJobJournal::Entry &job : jobs) {
-        if (job.stagingFolder.isEmpty())
-            continue;
-        m_journal.clearUp(job);
-        job.stagingFolder.clear();
-        // Back on record, now without a folder to clear.
-        job.id = m_journal.record(job.jobType, job.jobFileName, *job.selection);
-    }
-    return jobs;
+    return m_interrupted->find();
 }
 
 void MCAppDelegate::runInterruptedJobsAgain(const QList<MCJobJournal::Entry> &jobs)
 {
-    for (const MCJobJournal::Entry &job : jobs) {
-        m_journal.forget(job.id);
-        if (queueSelection)
-            queueSelection(job.selection);
-    }
+    m_interrupted->runAgain(jobs);
 }
 
 void MCAppDelegate::forgetInterruptedJobs(const QList<MCJobJournal::Entry> &jobs)
 {
-    for (const MCJobJournal::Entry &job : jobs)
-        m_journal.forget(job.id);
+    m_interrupted->forget(jobs);
 }
 
 void MCAppDelegate::offerInterruptedJobs()
 {
-    const QList<MCJobJournal::Entry> jobs = interruptedJobs();
-    if (jobs.isEmpty())
-        return;
-    QStringList names;
-    for (const MCJobJournal::Entry &job : jobs)
-        names << QStringLiteral("%1 (%2)").arg(job.jobFileName, job.jobType);
-    MCAlert alert;
-    alert.message = jobs.size() == 1 ? QStringLiteral("Kestrane was stopped before a job had finished.")
-                                     : QStringLiteral("Kestrane was stopped before %1 jobs had finished.").arg(jobs.size());
-    alert.informativeText = names.join(QLatin1Char('\n'))
-                            + QStringLiteral("\n\nWhat they had begun to write has been removed. Run them again?");
-    alert.buttons = {QStringLiteral("OK"), QStringLiteral("Cancel")};
-    MCAlertCenter::instance().present(alert, [self = QPointer<MCAppDelegate>(this), jobs](int code) {
-        if (!self)
-            return;
-        if (code == MCAlertFirstButtonReturn)
-            self->runInterruptedJobsAgain(jobs);
-        else
-            self->forgetInterruptedJobs(jobs);
-    });
+    m_interrupted->offer();
 }
 
 // ---------------------------------------------------------------- quit

@@ -15,6 +15,7 @@
 #include <memory>
 
 class MCIntakeInspector;
+class MCInterruptedJobs;
 class MCPreferences;
 class MCPresetsController;
 class MCQueueController;
@@ -162,4 +163,5 @@ private:
     QString m_settingsFilePath;
     bool m_launched = false;
     MCJobJournal m_journal;
+    MCInterruptedJobs *m_interrupted = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include "MCLog.h"
 #include "MCVideoFile.h"
+#include "MCWords.h"
 
 #include <QFileInfo>
 #include <QHash>
@@ -347,4 +348,32 @@ QStringList MCSelection::sourcePaths() const
     for (QString &path : paths)
         path = QFileInfo(path).absoluteFilePath();
     return paths;
+}
+
+void MCSelection::takeSelectedTracks(const MCTrackList &fileTracks)
+{
+    trackList.clear();
+    keepTracksList.clear();
+    int videos = 0;
+    int audios = 0;
+    int subtitles = 0;
+    for (const MCVideoTrackPtr &track : fileTracks) {
+        if (!track->trackSelected) {
+            keepTracksList.append(track);
+            continue;
+        }
+        trackList.append(track);
+        videos += track->trackType == MCWords::trackVideo;
+        audios += track->trackType == MCWords::trackAudio;
+        subtitles += track->trackType == MCWords::trackSubtitle || track->trackType == QStringLiteral("External Subtitle");
+    }
+    vidCount = QString::number(videos);
+    audCount = QString::number(audios);
+    subCount = QString::number(subtitles);
+    addAnyStereoTracks();
+    int audioNumber = 0;
+    for (const MCVideoTrackPtr &track : std::as_const(trackList)) {
+        if (track->trackType == MCWords::trackAudio)
+            track->selectedAudioTrackIndex = QString::number(audioNumber++);
+    }
 }

@@ -87,6 +87,10 @@ public:
     // Rebuilds addedAudioTrackList from the audio tracks of trackList that
     // ask for a stereo copy; an earlier list is dropped.
     void addAnyStereoTracks();
+    // The ticked tracks of a file become the job's tracks (the others are
+    // kept as they are), with their counts, their stereo copies and each
+    // audio track's place in the audio-track chooser.
+    void takeSelectedTracks(const MCTrackList &fileTracks);
 
     // Texts are HH:MM:SS. An absent (or null) text leaves its end alone.
     void initializeSplitForStartTime(const std::optional<QString> &start,

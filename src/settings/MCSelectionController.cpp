@@ -286,32 +286,7 @@ void MCSelectionController::applyAudioRowTo(MCVideoTrack &track)
 
 void MCSelectionController::trackTableSelectionChanged(const QString &sender)
 {
-    MCSelection &selection = *m_currentSelection;
-    selection.trackList.clear();
-    selection.keepTracksList.clear();
-    int videos = 0;
-    int audios = 0;
-    int subtitles = 0;
-    const MCTrackList tracks = fileTracks();
-    for (const MCVideoTrackPtr &track : tracks) {
-        if (!track->trackSelected) {
-            selection.keepTracksList.append(track);
-            continue;
-        }
-        selection.trackList.append(track);
-        videos += track->trackType == kVideo;
-        audios += track->trackType == kAudio;
-        subtitles += isSubtitleType(track->trackType);
-    }
-    selection.vidCount = QString::number(videos);
-    selection.audCount = QString::number(audios);
-    selection.subCount = QString::number(subtitles);
-    selection.addAnyStereoTracks();
-    int audioNumber = 0;
-    for (const MCVideoTrackPtr &track : std::as_const(selection.trackList)) {
-        if (track->trackType == kAudio)
-            track->selectedAudioTrackIndex = QString::number(audioNumber++);
-    }
+    m_currentSelection->takeSelectedTracks(fileTracks());
     upddateAudioTrackPopupFor(sender);
     if (!m_presetsController) {
         updateTabs();
