@@ -3,7 +3,7 @@
 #include "MCAlertCenter.h"
 #include "MCConverter.h"
 #include "MCFileInfoReport.h"
-#include "MCIntakeInspector.h"
+#include "MCIntakeProbe.h"
 #include "MCInterruptedJobs.h"
 #include "MCJob.h"
 #include "MCJobTypes.h"
@@ -81,7 +81,7 @@ MCAppDelegate::~MCAppDelegate()
     // preferences: it goes first, the preferences last. The watch scan
     // feeds the queue, so it stops before that. An inspection under way
     // ends first: its answer would be taken in by what goes next.
-    delete intakeInspector;
+    delete intakeProbe;
     delete watchModeController;
     delete queueController;
     delete presetsController;
@@ -119,7 +119,7 @@ void MCAppDelegate::applicationDidFinishLaunching()
     // A result never silently takes another's name: the user decides (the
     // command line answers "Keep Both" unless told to overwrite).
     queueController->existingResults = MCJob::ExistingResults::Ask;
-    intakeInspector = new MCIntakeInspector(this);
+    intakeProbe = new MCIntakeProbe(this);
     watchModeController = new MCWatchModeController(this);
     watchModeController->takeUpMovie = [this](const QUrl &file, QString &refusal) {
         const bool taken = takeUpWatchedMovie(file);
@@ -433,7 +433,7 @@ void MCAppDelegate::addFiles(const QList<QUrl> &urls)
 
 void MCAppDelegate::takeInFilesAfterInspection(const QList<QUrl> &urls, const QString &mode, const std::function<void()> &done)
 {
-    intakeInspector->inspect(urls, currentVideoFile->reportCache(), [this, urls, mode, done] {
+    intakeProbe->inspect(urls, currentVideoFile->reportCache(), [this, urls, mode, done] {
         setOpeningFileMode(mode);
         openedFileHubForFiles(urls);
         if (done)

@@ -14,7 +14,7 @@
 #include <functional>
 #include <memory>
 
-class MCIntakeInspector;
+class MCIntakeProbe;
 class MCInterruptedJobs;
 class MCPreferences;
 class MCPresetsController;
@@ -83,10 +83,10 @@ public:
     // Adds files as tracks of the loaded file, as Add Tracks does.
     void addFiles(const QList<QUrl> &urls);
     // The window's intake: the inspection tools run off this thread first
-    // (intakeInspector is busy meanwhile), then the files are taken in with
+    // (intakeProbe is busy meanwhile), then the files are taken in with
     // the opening mode given, and done() follows.
     void takeInFilesAfterInspection(const QList<QUrl> &urls, const QString &mode, const std::function<void()> &done);
-    MCIntakeInspector *intakeInspector = nullptr;
+    MCIntakeProbe *intakeProbe = nullptr;
     // Starts the current tab's job. On "Edit Files" jobType picks joining,
     // splitting or the remux; MKV Remux queues the loaded MKV's remux from
     // any tab. Answers false when the save folder refused it.

@@ -3,7 +3,7 @@
 #include "MCAppDelegate.h"
 #include "MCDropTableView.h"
 #include "MCFormParts.h"
-#include "MCIntakeInspector.h"
+#include "MCIntakeProbe.h"
 #include "MCMkvTabBinding.h"
 #include "MCMkvTabPage.h"
 #include "MCMainWindow.h"
@@ -81,7 +81,7 @@ MCWindowBinding::MCWindowBinding(MCMainWindow *window, MCAppDelegate *delegate, 
     m_holdControls.setSingleShot(true);
     m_holdControls.setInterval(250);
     connect(&m_holdControls, &QTimer::timeout, this, [this] { m_window->centralWidget()->setEnabled(false); });
-    connect(m_delegate->intakeInspector, &MCIntakeInspector::busyChanged, this, &MCWindowBinding::showIntakeBusy);
+    connect(m_delegate->intakeProbe, &MCIntakeProbe::busyChanged, this, &MCWindowBinding::showIntakeBusy);
     m_rules->setCurrentTab(MCMainWindow::tabNames().value(m_window->tabs->currentIndex()));
     m_rules->updateTabs();
     refresh();

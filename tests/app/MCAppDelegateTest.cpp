@@ -2,7 +2,7 @@
 
 #include "AppTestSettings.h"
 
-#include "MCIntakeInspector.h"
+#include "MCIntakeProbe.h"
 #include "MCJob.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
@@ -350,7 +350,7 @@ TEST(AppDelegateIntake, TheWindowsIntakeInspectsOffItsThreadOnceAndInTurn)
     app.selectionController->setCurrentTab(QStringLiteral("AVI"));
 
     QList<bool> busy;
-    QObject::connect(app.intakeInspector, &MCIntakeInspector::busyChanged, [&busy](bool now) { busy << now; });
+    QObject::connect(app.intakeProbe, &MCIntakeProbe::busyChanged, [&busy](bool now) { busy << now; });
     int ticks = 0;
     QTimer ticking;
     QObject::connect(&ticking, &QTimer::timeout, [&ticks] { ++ticks; });

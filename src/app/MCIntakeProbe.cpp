@@ -1,15 +1,15 @@
-#include "MCIntakeInspector.h"
+#include "MCIntakeProbe.h"
 
 #include "MCVideoFile.h"
 
 #include <QThread>
 
-MCIntakeInspector::MCIntakeInspector(QObject *parent)
+MCIntakeProbe::MCIntakeProbe(QObject *parent)
     : QObject(parent)
 {
 }
 
-MCIntakeInspector::~MCIntakeInspector()
+MCIntakeProbe::~MCIntakeProbe()
 {
     if (m_worker) {
         m_worker->wait();
@@ -17,7 +17,7 @@ MCIntakeInspector::~MCIntakeInspector()
     }
 }
 
-void MCIntakeInspector::inspect(const QList<QUrl> &urls, std::shared_ptr<MCReportCache> cache, std::function<void()> then)
+void MCIntakeProbe::inspect(const QList<QUrl> &urls, std::shared_ptr<MCReportCache> cache, std::function<void()> then)
 {
     m_pending.append({urls, std::move(cache), std::move(then)});
     if (m_worker)
@@ -26,7 +26,7 @@ void MCIntakeInspector::inspect(const QList<QUrl> &urls, std::shared_ptr<MCRepor
     emit busyChanged(true);
 }
 
-void MCIntakeInspector::startNext()
+void MCIntakeProbe::startNext()
 {
     Request request = m_pending.takeFirst();
     m_then = std::move(request.then);
@@ -38,11 +38,11 @@ void MCIntakeInspector::startNext()
         }
     });
     // Delivered on this object's thread: the intake goes on there.
-    connect(m_worker, &QThread::finished, this, &MCIntakeInspector::finishCurrent);
+    connect(m_worker, &QThread::finished, this, &MCIntakeProbe::finishCurrent);
     m_worker->start();
 }
 
-void MCIntakeInspector::finishCurrent()
+void MCIntakeProbe::finishCurrent()
 {
     // finished() is sent just before the thread ends.
     m_worker->wait();

@@ -17,15 +17,15 @@ class QThread;
 // The answers go into the intake's report cache; the intake that follows
 // reads them from there instead of running the tools again. Requests made
 // while one runs wait their turn, in order.
-class MCIntakeInspector : public QObject
+class MCIntakeProbe : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(bool busy READ busy NOTIFY busyChanged)
 
 public:
-    explicit MCIntakeInspector(QObject *parent = nullptr);
+    explicit MCIntakeProbe(QObject *parent = nullptr);
     // Waits for a running inspection: its thread must not outlive the cache.
-    ~MCIntakeInspector() override;
+    ~MCIntakeProbe() override;
 
     // then() runs on this object's thread once every file was inspected.
     void inspect(const QList<QUrl> &urls, std::shared_ptr<MCReportCache> cache, std::function<void()> then);
