@@ -275,7 +275,7 @@ QWidget *MCMainWindow::buildEditFilesTab()
 
     auto *join = new QGroupBox(QStringLiteral("Join"), page);
     auto *joinLayout = new QVBoxLayout(join);
-    auto *joinText = new QLabel(QStringLiteral("Joins the listed files, in order, into one file of their kind (AVI, MKV or MP4)."), join);
+    auto *joinText = new QLabel(QStringLiteral("Joins the listed files, in order, into one file."), join);
     joinText->setWordWrap(true);
     joinLayout->addWidget(joinText);
     joinLayout->addStretch();
@@ -492,9 +492,12 @@ void MCMainWindow::setColorName(QWidget *widget, const QString &name)
     const QPalette theme = QApplication::palette(widget);
     const QColor color = colorFor(name, theme);
     QPalette palette = widget->palette();
-    palette.setColor(QPalette::WindowText, color);
-    palette.setColor(QPalette::ButtonText, color);
-    palette.setColor(QPalette::Text, color);
+    // Only the enabled look: a disabled control keeps the theme's grey.
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text}) {
+        palette.setColor(QPalette::Active, role, color);
+        palette.setColor(QPalette::Inactive, role, color);
+        palette.setColor(QPalette::Disabled, role, theme.color(QPalette::Disabled, role));
+    }
     widget->setPalette(palette);
 }
 
