@@ -70,8 +70,8 @@ QList<QKeySequence> withStandardKeys(const QKeySequence &usual, QKeySequence::St
 
 const QStringList &MCMainWindow::tabNames()
 {
-    static const QStringList names{QStringLiteral("AVI"), QStringLiteral("MKV"), QStringLiteral("Edit Files"),
-                                   QStringLiteral("Edit Tracks")};
+    static const QStringList names{QStringLiteral("AVI"), QStringLiteral("MKV"), QStringLiteral("MP4"),
+                                   QStringLiteral("Edit Files"), QStringLiteral("Edit Tracks")};
     return names;
 }
 
@@ -90,11 +90,14 @@ MCMainWindow::MCMainWindow(MCPreferences *preferences, MCQueueController *queue,
     layout->addWidget(buildTables(), 1);
 
     tabs = new QTabWidget(central);
-    mkvTab = new MCMkvTabPage(this);
+    mkvTab = new MCMkvTabPage(tabNames().at(1), false, this);
+    // An MP4 is made for a device: its extension, "-ipod" and the H.264 level follow it.
+    mp4Tab = new MCMkvTabPage(tabNames().at(2), true, this);
     tabs->addTab(buildAviTab(), tabNames().at(0));
     tabs->addTab(mkvTab, tabNames().at(1));
-    tabs->addTab(buildEditFilesTab(), tabNames().at(2));
-    tabs->addTab(buildEditTracksTab(), tabNames().at(3));
+    tabs->addTab(mp4Tab, tabNames().at(2));
+    tabs->addTab(buildEditFilesTab(), tabNames().at(3));
+    tabs->addTab(buildEditTracksTab(), tabNames().at(4));
     layout->addWidget(tabs);
     setCentralWidget(central);
 
@@ -272,7 +275,7 @@ QWidget *MCMainWindow::buildEditFilesTab()
 
     auto *join = new QGroupBox(QStringLiteral("Join"), page);
     auto *joinLayout = new QVBoxLayout(join);
-    auto *joinText = new QLabel(QStringLiteral("Joins the listed files, in order, into one AVI."), join);
+    auto *joinText = new QLabel(QStringLiteral("Joins the listed files, in order, into one file."), join);
     joinText->setWordWrap(true);
     joinLayout->addWidget(joinText);
     joinLayout->addStretch();
@@ -322,6 +325,9 @@ QWidget *MCMainWindow::buildEditFilesTab()
     parLayout->addWidget(parHeight);
     parLayout->addStretch();
     otherLayout->addRow(QStringLiteral("Pixel aspect:"), par);
+    // Only MP4 files have their pixel aspect ratio set on its own.
+    parButton = new QPushButton(QStringLiteral("Set PAR (MP4)"), other);
+    otherLayout->addRow(QString(), parButton);
     remuxButton = new QPushButton(QStringLiteral("Re-Mux"), other);
     otherLayout->addRow(QString(), remuxButton);
 
@@ -338,8 +344,8 @@ QWidget *MCMainWindow::buildEditTracksTab()
     auto *group = new QGroupBox(QStringLiteral("Tracks"), page);
     auto *groupLayout = new QVBoxLayout(group);
     editTrackMatrix = radioGroup(group, groupLayout,
-                                 {QStringLiteral("Extract tracks"), QStringLiteral("Add external audio tracks"),
-                                  QStringLiteral("Remove tracks (MKV)")});
+                                 {QStringLiteral("Extract tracks"), QStringLiteral("Add external tracks"),
+                                  QStringLiteral("Remove tracks (MKV, MP4)")});
     editTrackLabel = new QLabel(group);
     editTrackLabel->setWordWrap(true);
     groupLayout->addWidget(editTrackLabel);
@@ -414,6 +420,7 @@ void MCMainWindow::bindToolTips()
         {startTrackEditButton, "ttStartTrackEditButton"},
         {parWidth, "ttEditPAR"},
         {parHeight, "ttEditPAR"},
+        {parButton, "ttEditPAR"},
         {splitStartTime, "ttSplitStartTime"},
         {splitEndTime, "ttSplitEndTime"},
         {splitSize, "ttSplitSize"},
@@ -449,8 +456,10 @@ QPushButton *MCMainWindow::startButtonOfCurrentTab() const
     const QString tab = tabNames().value(tabs->currentIndex());
     if (tab == QStringLiteral("AVI"))
         return convertButton;
-    if (tab == QStringLiteral("MKV"))
+    if (tab == mkvTab->tabName)
         return mkvTab->convertButton;
+    if (tab == mp4Tab->tabName)
+        return mp4Tab->convertButton;
     if (tab == QStringLiteral("Edit Files"))
         return joinButton->isEnabled() ? joinButton : splitButton;
     if (tab == QStringLiteral("Edit Tracks"))
@@ -483,9 +492,12 @@ void MCMainWindow::setColorName(QWidget *widget, const QString &name)
     const QPalette theme = QApplication::palette(widget);
     const QColor color = colorFor(name, theme);
     QPalette palette = widget->palette();
-    palette.setColor(QPalette::WindowText, color);
-    palette.setColor(QPalette::ButtonText, color);
-    palette.setColor(QPalette::Text, color);
+    // Only the enabled look: a disabled control keeps the theme's grey.
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text}) {
+        palette.setColor(QPalette::Active, role, color);
+        palette.setColor(QPalette::Inactive, role, color);
+        palette.setColor(QPalette::Disabled, role, theme.color(QPalette::Disabled, role));
+    }
     widget->setPalette(palette);
 }
 

@@ -25,7 +25,7 @@ class QStringListModel;
 class QTabWidget;
 
 // The main window's controls: status line, track and file tables, the
-// four tabs with their option groups, the preset pop-ups, the queue panel
+// five tabs with their option groups, the preset pop-ups, the queue panel
 // and the menus. What the controls do is wired by MCWindowBinding.
 class MCMainWindow : public QMainWindow
 {
@@ -33,7 +33,7 @@ class MCMainWindow : public QMainWindow
 public:
     MCMainWindow(MCPreferences *preferences, MCQueueController *queue, QWidget *parent = nullptr);
 
-    static const QStringList &tabNames(); // "AVI", "MKV", "Edit Files", "Edit Tracks"
+    static const QStringList &tabNames(); // "AVI", "MKV", "MP4", "Edit Files", "Edit Tracks"
 
     // Status line above the tables.
     QLabel *fileTextField;
@@ -58,9 +58,9 @@ public:
     QLabel *convertRefusalLabel;
     QCheckBox *addStereoCheckBox;
     QPushButton *convertButton;
-    MCMkvTabPage *mkvTab;
+    MCMkvTabPage *mkvTab, *mp4Tab;
     // Edit Files tab
-    QPushButton *joinButton, *splitButton, *remuxButton;
+    QPushButton *joinButton, *splitButton, *remuxButton, *parButton;
     QButtonGroup *splitTypeMatrix;
     QLineEdit *splitStartTime, *splitEndTime, *splitSize, *splitNumber, *splitDuration, *parWidth, *parHeight;
     // Edit Tracks tab

@@ -4,6 +4,7 @@
 #include "MCMainWindow.h"
 #include "MCMkvTabPage.h"
 #include "MCMkvTabRules.h"
+#include "MCMp4TabRules.h"
 #include "MCSelectionController.h"
 
 #include <QAbstractButton>
@@ -32,12 +33,15 @@ MCMkvTabBinding::MCMkvTabBinding(MCMkvTabPage *page, MCSelectionController *rule
     : QObject(parent)
     , m_page(page)
     , m_rules(rules)
+    , m_tab(rules->conversionTab(page->tabName))
     , m_userChanged(std::move(userChanged))
 {
+    Q_ASSERT(m_tab);
+    MCMainWindow::setColorName(page->convertRefusalLabel, MCSelectionController::colorRed);
     bindRows();
     bindField(page->vidBitRateField, &MCSelectionController::setEnteredUserVideoBitRate);
     bindField(page->resWidthField, &MCSelectionController::setEnteredUserWidth);
-    connect(rules->mkvTab(), &MCMkvTabRules::stateChanged, this, &MCMkvTabBinding::refresh);
+    connect(m_tab, &MCMkvTabRules::stateChanged, this, &MCMkvTabBinding::refresh);
 }
 
 void MCMkvTabBinding::changed()
@@ -48,7 +52,7 @@ void MCMkvTabBinding::changed()
 
 void MCMkvTabBinding::bindRows()
 {
-    MCMkvTabRules *tab = m_rules->mkvTab();
+    MCMkvTabRules *tab = m_tab;
     connect(m_page->videoMatrix, &QButtonGroup::idClicked, tab, [this, tab](int id) {
         tab->setVideoMatrixIndex(id);
         changed();
@@ -69,6 +73,14 @@ void MCMkvTabBinding::bindRows()
         if (!m_refreshing)
             m_rules->setAudioTrackPopupIndex(index);
     });
+    if (m_page->devicePopUp) {
+        connect(m_page->devicePopUp, &QComboBox::textActivated, this, [this](const QString &device) {
+            if (m_refreshing)
+                return;
+            m_rules->setMp4Device(device);
+            changed();
+        });
+    }
 }
 
 void MCMkvTabBinding::bindField(QLineEdit *field, void (MCSelectionController::*setter)(const QString &))
@@ -87,7 +99,7 @@ void MCMkvTabBinding::refresh()
     if (m_refreshing)
         return;
     m_refreshing = true;
-    const MCMkvTabRules &tab = *m_rules->mkvTab();
+    const MCMkvTabRules &tab = *m_tab;
     const MCSelectionController &r = *m_rules;
     MCMkvTabPage *p = m_page;
     checkRow(p->videoMatrix, tab.videoMatrixIndex());
@@ -115,7 +127,25 @@ void MCMkvTabBinding::refresh()
 
     for (QAbstractButton *button : p->subtitleMatrix->buttons())
         button->setEnabled(tab.subtitleSelected);
-    p->convertButton->setEnabled(r.currentTab() == MCSelectionController::tabMkv && r.canConvert);
-    p->convertButton->setToolTip(r.convertRefusalText());
+    refreshDevice();
+    // The refusal is the current tab's: another tab's reason is not this one's.
+    const bool current = r.currentTab() == p->tabName;
+    const QString refusal = current ? r.convertRefusalText() : QString();
+    p->convertButton->setEnabled(current && r.canConvert);
+    p->convertButton->setToolTip(refusal);
+    p->convertRefusalLabel->setText(refusal);
+    p->convertRefusalLabel->setVisible(!refusal.isEmpty());
     m_refreshing = false;
+}
+
+void MCMkvTabBinding::refreshDevice()
+{
+    QComboBox *popUp = m_page->devicePopUp;
+    if (!popUp)
+        return;
+    fillCombo(popUp, MCMp4TabRules::deviceList(), m_rules->mp4Device());
+    // A device of another target (chosen on the "AVI" tab) is none of these:
+    // nothing is shown as chosen, and the refusal says so.
+    if (popUp->findText(m_rules->mp4Device()) < 0)
+        popUp->setCurrentIndex(-1);
 }

@@ -5,12 +5,14 @@
 #include <functional>
 
 class MCMkvTabPage;
+class MCMkvTabRules;
 class MCSelectionController;
 class QLineEdit;
 
-// Ties the "MKV" tab's controls to its rules: rows and the stereo copy go
-// to the tab's rules, the number fields and the audio-track chooser to the
-// settings they share with the "AVI" tab; every published value flows back.
+// Ties the controls of the "MKV" or "MP4" tab (the page's tabName) to that
+// tab's rules: rows and the stereo copy go to the tab's rules, the number
+// fields, the audio-track chooser and the device to the settings they share
+// with the "AVI" tab; every published value flows back.
 class MCMkvTabBinding : public QObject
 {
     Q_OBJECT
@@ -24,10 +26,12 @@ public:
 private:
     void bindRows();
     void bindField(QLineEdit *field, void (MCSelectionController::*setter)(const QString &));
+    void refreshDevice();
     void changed();
 
     MCMkvTabPage *m_page;
     MCSelectionController *m_rules;
+    MCMkvTabRules *m_tab;
     std::function<void()> m_userChanged;
     bool m_refreshing = false;
 };

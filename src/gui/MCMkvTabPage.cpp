@@ -18,17 +18,18 @@ using MCFormParts::numberField;
 using MCFormParts::radioGroup;
 using MCFormParts::withUnit;
 
-MCMkvTabPage::MCMkvTabPage(QWidget *parent)
+MCMkvTabPage::MCMkvTabPage(const QString &tabName, bool withDeviceChooser, QWidget *parent)
     : QWidget(parent)
+    , tabName(tabName)
 {
-    setObjectName(QStringLiteral("mkvTab"));
+    setObjectName(tabName.toLower() + QStringLiteral("Tab"));
     auto *layout = new QHBoxLayout(this);
-    layout->addWidget(buildVideo(), 3);
+    layout->addWidget(buildVideo(withDeviceChooser), 3);
     layout->addWidget(buildAudio(), 3);
     layout->addWidget(buildSubtitles(), 2);
 }
 
-QWidget *MCMkvTabPage::buildVideo()
+QWidget *MCMkvTabPage::buildVideo(bool withDeviceChooser)
 {
     auto *video = new QGroupBox(QStringLiteral("Video"), this);
     auto *layout = new QVBoxLayout(video);
@@ -37,12 +38,17 @@ QWidget *MCMkvTabPage::buildVideo()
     auto *form = new QFormLayout;
     vidBitRateField = numberField(video);
     resWidthField = numberField(video);
-    vidBitRateField->setObjectName(QStringLiteral("mkvVidBitRateField"));
-    resWidthField->setObjectName(QStringLiteral("mkvResWidthField"));
+    vidBitRateField->setObjectName(tabName.toLower() + QStringLiteral("VidBitRateField"));
+    resWidthField->setObjectName(tabName.toLower() + QStringLiteral("ResWidthField"));
     new MCNumberField(vidBitRateField, MCNumberField::Kind::Whole);
     new MCNumberField(resWidthField, MCNumberField::Kind::Whole);
     form->addRow(QStringLiteral("Bit rate:"), withUnit(video, vidBitRateField, QStringLiteral("kb/s")));
     form->addRow(QStringLiteral("Width:"), withUnit(video, resWidthField, QStringLiteral("pixels")));
+    if (withDeviceChooser) {
+        devicePopUp = new QComboBox(video);
+        devicePopUp->setObjectName(tabName.toLower() + QStringLiteral("DevicePopUp"));
+        form->addRow(QStringLiteral("Device:"), devicePopUp);
+    }
     layout->addLayout(form);
     layout->addStretch();
     return video;
@@ -68,6 +74,10 @@ QWidget *MCMkvTabPage::buildSubtitles()
     auto *layout = new QVBoxLayout(subtitles);
     subtitleMatrix = radioGroup(subtitles, layout, {QStringLiteral("Mux into the file"), QStringLiteral("Leave out")});
     layout->addStretch();
+    convertRefusalLabel = new QLabel(subtitles);
+    convertRefusalLabel->setWordWrap(true);
+    convertRefusalLabel->setVisible(false);
+    layout->addWidget(convertRefusalLabel);
     convertButton = new QPushButton(QStringLiteral("Convert"), subtitles);
     layout->addWidget(convertButton, 0, Qt::AlignRight);
     return subtitles;

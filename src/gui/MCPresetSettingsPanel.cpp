@@ -1,6 +1,7 @@
 #include "MCPresetSettingsPanel.h"
 
 #include "MCNumberField.h"
+#include "MCMp4TabRules.h"
 #include "MCPresetListColumn.h"
 #include "MCPresetsController.h"
 #include "MCSelectionController.h"
@@ -240,6 +241,14 @@ void MCPresetSettingsPanel::bindDetails()
             change([](MCPresetSettings &p, bool ticked) { p.pAudioAddStereo = ticked; }));
 }
 
+QStringList MCPresetSettingsPanel::devicesFor(const QString &target) const
+{
+    // Each target has its own devices: an MP4 is made for a player.
+    if (target == MCPresetSettings::targetMp4())
+        return MCMp4TabRules::deviceList();
+    return m_presets->selectionController ? m_presets->selectionController->deviceList : QStringList();
+}
+
 void MCPresetSettingsPanel::openPresetSettingsPanel()
 {
     m_presets->openPresetSettingsPanel();
@@ -278,8 +287,7 @@ void MCPresetSettingsPanel::refresh()
     showText(nameField, shown.pName);
     showRow(typeOfProcessPopUp, c.pTypeOfProcessList, shown.pTypeOfProcessIndex);
     fillPopUp(targetPopUp, MCPresetSettings::targetList(), shown.pTarget);
-    const QStringList devices = c.selectionController ? c.selectionController->deviceList : QStringList();
-    fillPopUp(devicePopUp, devices, shown.pDevice);
+    fillPopUp(devicePopUp, devicesFor(shown.pTarget), shown.pDevice);
     showRow(videoActionPopUp, c.pVideoActionList, shown.pVideoActionIndex());
     showRow(videoBitRatePopUp, c.pVideoGenericList, shown.pVideoBitRateIndex);
     showRow(widthPopUp, c.pVideoGenericList, shown.pWidthIndex);

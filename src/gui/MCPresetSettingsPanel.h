@@ -47,6 +47,7 @@ private:
     QWidget *buildDetails();
     void bindDetails();
     void refresh();
+    QStringList devicesFor(const QString &target) const;
 
     MCPresetsController *m_presets;
     QWidget *m_details = nullptr;

@@ -66,7 +66,8 @@ MCWindowBinding::MCWindowBinding(MCMainWindow *window, MCAppDelegate *delegate, 
     bindTracks();
     bindPresets();
     bindStartButtons();
-    m_mkvTab = new MCMkvTabBinding(m_window->mkvTab, m_rules, [this] { userChanged(); }, this);
+    for (MCMkvTabPage *page : {m_window->mkvTab, m_window->mp4Tab})
+        m_conversionTabs << new MCMkvTabBinding(page, m_rules, [this] { userChanged(); }, this);
     connect(m_rules, &MCSelectionController::stateChanged, this, &MCWindowBinding::refresh);
     connect(m_rules, &MCSelectionController::endEditingRequested, this, &MCWindowBinding::endTextEditing);
     connect(m_rules, &MCSelectionController::clearTrackHighlight, m_window->trackTable,
@@ -268,10 +269,12 @@ void MCWindowBinding::bindStartButtons()
     const std::pair<QPushButton *, QString> starts[] = {
         {w->convertButton, QString()},
         {w->mkvTab->convertButton, QString()},
+        {w->mp4Tab->convertButton, QString()},
         {w->startTrackEditButton, QString()},
         {w->joinButton, MCWords::jobAviJoining},
         {w->splitButton, MCWords::jobAviSplitting},
         {w->remuxButton, MCWords::jobMkvRemux},
+        {w->parButton, MCWords::jobParEditing},
     };
     for (const auto &[button, jobType] : starts)
         connect(button, &QPushButton::clicked, this, [this, jobType] { m_delegate->startJob(jobType); });
@@ -290,7 +293,8 @@ void MCWindowBinding::refresh()
     refreshStatus();
     refreshTracks();
     refreshAviTab();
-    m_mkvTab->refresh();
+    for (MCMkvTabBinding *tab : std::as_const(m_conversionTabs))
+        tab->refresh();
     refreshEditTabs();
     refreshPresets();
     m_refreshing = false;
@@ -385,6 +389,7 @@ void MCWindowBinding::refreshEditTabs()
     w->joinButton->setEnabled(r.canJoin);
     w->parWidth->setEnabled(r.canEditPAR);
     w->parHeight->setEnabled(r.canEditPAR);
+    w->parButton->setEnabled(r.canEditPAR);
     w->remuxButton->setEnabled(fileListed);
     w->editTrackLabel->setText(r.editTrackLabel);
     w->startTrackEditButton->setEnabled(r.canEditTracks);

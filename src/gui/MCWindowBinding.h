@@ -61,7 +61,8 @@ private:
     MCAppDelegate *m_delegate;
     MCSelectionController *m_rules;
     MCPresetsController *m_presets;
-    MCMkvTabBinding *m_mkvTab = nullptr;
+    // The "MKV" and "MP4" tabs.
+    QList<MCMkvTabBinding *> m_conversionTabs;
     // True while values are copied into the controls, so their own change
     // signals do not feed back into the rules.
     bool m_refreshing = false;

@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMimeData>
@@ -74,6 +75,27 @@ QString makeAvi(const QString &dir, const QString &name, int seconds, const QStr
                                               "-c:v mpeg4 -c:a libmp3lame")
                                    .arg(size)
                                    .arg(seconds));
+}
+
+QString makeSurroundMkv(const QString &dir)
+{
+    QFile srt(dir + QStringLiteral("/film.srt"));
+    if (srt.open(QIODevice::WriteOnly))
+        srt.write("1\n00:00:00,200 --> 00:00:01,500\nHello\n\n");
+    srt.close();
+    return testsupport::ffmpeg(dir, QStringLiteral("film.mkv"),
+                               QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=2 -f lavfi -i sine=d=2:r=48000 "
+                                              "-i '%1' -filter_complex '[1:a]pan=5.1|c0=c0|c1=c0|c2=c0|c3=c0|c4=c0|c5=c0[s]' "
+                                              "-map 0:v -map '[s]' -map 2 -c:v libx264 -preset ultrafast -c:a ac3 "
+                                              "-c:s srt -metadata:s:a:0 language=ger")
+                                   .arg(srt.fileName()));
+}
+
+QStringList described(const QString &path, const QString &kind, const QString &fields)
+{
+    QString out;
+    testsupport::run(QStringLiteral("mediainfo --Inform='%1;%2\\n' '%3'").arg(kind, fields, path), &out);
+    return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
 void WindowTest::SetUp()

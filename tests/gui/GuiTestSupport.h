@@ -33,6 +33,12 @@ bool typeIntoFileDialog(const QString &path);
 // A small AVI (MPEG-4 video, MP3 audio) written into dir.
 QString makeAvi(const QString &dir, const QString &name, int seconds = 2, const QString &size = QStringLiteral("160x120"));
 
+// Two seconds of H.264 with AC-3 5.1 (German) and an SRT subtitle, as an MKV.
+QString makeSurroundMkv(const QString &dir);
+
+// mediainfo's word for each track of a kind, e.g. "AAC/2" for each audio track.
+QStringList described(const QString &path, const QString &kind, const QString &fields);
+
 // Empties the settings file the window's tests share, so what one test
 // saved (a tab, a size, presets) does not reach the next.
 void forgetSavedSettings();

@@ -103,14 +103,18 @@ TEST(MainWindowColours, BlackIsTheThemesTextAndRedReadsOnDarkAndLightThemes)
         QPalette theme;
         for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button})
             theme.setColor(role, background);
-        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        const QColor grey(0x80, 0x80, 0x80);
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
             theme.setColor(role, text);
+            theme.setColor(QPalette::Disabled, role, grey);
+        }
         QApplication::setPalette(theme);
         QLabel label;
         MCMainWindow::setColorName(&label, QStringLiteral("red"));
         const QColor red = label.palette().color(QPalette::WindowText);
         EXPECT_GE(contrast(red, background), 4.5) << (dark ? "dark" : "light");
         EXPECT_GT(red.red(), 2 * std::max(red.green(), red.blue())) << "still reads as red";
+        EXPECT_EQ(label.palette().color(QPalette::Disabled, QPalette::WindowText), grey) << "disabled stays grey";
         MCMainWindow::setColorName(&label, QStringLiteral("black"));
         EXPECT_EQ(label.palette().color(QPalette::WindowText), text) << (dark ? "dark" : "light");
     }

@@ -15,34 +15,15 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
 
 namespace {
 
-// Two seconds of H.264 with AC-3 5.1 and an SRT subtitle.
-QString makeSurroundMkv(const QString &dir)
-{
-    QFile srt(dir + QStringLiteral("/film.srt"));
-    if (srt.open(QIODevice::WriteOnly))
-        srt.write("1\n00:00:00,200 --> 00:00:01,500\nHello\n\n");
-    srt.close();
-    return testsupport::ffmpeg(dir, QStringLiteral("film.mkv"),
-                               QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=2 -f lavfi -i sine=d=2:r=48000 "
-                                              "-i '%1' -filter_complex '[1:a]pan=5.1|c0=c0|c1=c0|c2=c0|c3=c0|c4=c0|c5=c0[s]' "
-                                              "-map 0:v -map '[s]' -map 2 -c:v libx264 -preset ultrafast -c:a ac3 "
-                                              "-c:s srt -metadata:s:a:0 language=ger")
-                                   .arg(srt.fileName()));
-}
-
-// mediainfo's word for each track of a kind, e.g. "AAC/2" for each audio track.
-QStringList described(const QString &path, const QString &kind, const QString &fields)
-{
-    QString out;
-    testsupport::run(QStringLiteral("mediainfo --Inform='%1;%2\\n' '%3'").arg(kind, fields, path), &out);
-    return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
+using guitest::described;
+using guitest::makeSurroundMkv;
 
 class MkvTabTest : public guitest::WindowTest
 {
@@ -66,7 +47,8 @@ TEST_F(MkvTabTest, MixesTheSurroundTrackDownToStereoAacAndLeavesTheSubtitlesOut)
     w->toggleVideoButton->click();
     w->toggleAudioButton->click();
     w->toggleSubtitleButton->click();
-    ASSERT_TRUE(tab->convertButton->isEnabled()) << tab->convertButton->toolTip().toStdString();
+    ASSERT_TRUE(tab->convertButton->isEnabled()) << tab->convertRefusalLabel->text().toStdString();
+    EXPECT_FALSE(tab->devicePopUp) << "an MKV is made for no device";
     EXPECT_TRUE(tab->addStereoCheckBox->isEnabled()); // a surround track may keep a stereo copy
 
     tab->audioMatrix->button(1)->click(); // AAC Stereo

@@ -3,6 +3,7 @@
 #include "MCFilterButton.h"
 #include "MCGuiApplication.h"
 #include "MCMainWindow.h"
+#include "MCMp4TabRules.h"
 #include "MCPreferences.h"
 #include "MCPresetSelectionsPanel.h"
 #include "MCPresetSettingsPanel.h"
@@ -132,6 +133,31 @@ TEST_F(PresetPanelsTest, SettingsEditorWritesTheChosenRowsIntoThePreset)
     panel.okButton->click();
     EXPECT_TRUE(stored(false).isEmpty());
     EXPECT_EQ(presets->settingMethodIndex(), 1);
+}
+
+TEST_F(PresetPanelsTest, SettingsEditorOffersTheDevicesOfTheTarget)
+{
+    MCPresetSettingsPanel panel(presets.get(), &window);
+    panel.openPresetSettingsPanel();
+    panel.addPresetButton->click();
+    const auto offered = [&] {
+        QStringList items;
+        for (int i = 0; i < panel.devicePopUp->count(); ++i)
+            items << panel.devicePopUp->itemText(i);
+        return items;
+    };
+    EXPECT_FALSE(offered().contains(QStringLiteral("Apple TV 3")));
+    panel.targetPopUp->setCurrentText(QStringLiteral("MP4"));
+    emit panel.targetPopUp->textActivated(QStringLiteral("MP4"));
+    // The new preset's "Apple TV" is no MP4 device: still shown, last, until one is chosen.
+    EXPECT_EQ(offered(), MCMp4TabRules::deviceList() + QStringList{QStringLiteral("Apple TV")});
+    panel.devicePopUp->setCurrentText(QStringLiteral("PS3"));
+    emit panel.devicePopUp->textActivated(QStringLiteral("PS3"));
+    EXPECT_EQ(offered(), MCMp4TabRules::deviceList());
+    panel.okButton->click();
+    const QVariantMap record = stored(false).value(0).toMap();
+    EXPECT_EQ(record.value(QStringLiteral("pTarget")).toString(), QStringLiteral("MP4"));
+    EXPECT_EQ(record.value(QStringLiteral("pDevice")).toString(), QStringLiteral("PS3"));
 }
 
 TEST(PresetEditorButtons, OpenTheEditorsAsSheetsOverTheWindow)

@@ -206,7 +206,7 @@ const KestraneDriver::Node *KestraneDriver::queueCell(const QString &rowName, co
     return cells.isEmpty() ? nullptr : cells.first();
 }
 
-QString KestraneDriver::makeClip(const QString &name, int seconds, const QString &size)
+QString KestraneDriver::makeClip(const QString &name, int seconds, const QString &size, const QString &audioCodec)
 {
     const QString path = QDir(m_work).filePath(name);
     QProcess ffmpeg;
@@ -216,7 +216,7 @@ QString KestraneDriver::makeClip(const QString &name, int seconds, const QString
                   QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"), QStringLiteral("sine=frequency=440"),
                   QStringLiteral("-t"), QString::number(seconds), QStringLiteral("-c:v"), QStringLiteral("libx264"),
                   QStringLiteral("-preset"), QStringLiteral("ultrafast"), QStringLiteral("-c:a"),
-                  QStringLiteral("libmp3lame"), path});
+                  audioCodec, path});
     if (!ffmpeg.waitForFinished(120000) || ffmpeg.exitCode() != 0)
         return {};
     return path;

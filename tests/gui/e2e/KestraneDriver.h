@@ -66,8 +66,10 @@ public:
     // holding rowName (e.g. the file name); null when there is none.
     const Node *queueCell(const QString &rowName, const QString &columnHeader);
 
-    // A clip made with ffmpeg in the work folder (x264 video, MP3 audio).
-    QString makeClip(const QString &name, int seconds, const QString &size = QStringLiteral("640x360"));
+    // A clip made with ffmpeg in the work folder (x264 video, MP3 audio
+    // unless another audio encoder is named).
+    QString makeClip(const QString &name, int seconds, const QString &size = QStringLiteral("640x360"),
+                     const QString &audioCodec = QStringLiteral("libmp3lame"));
 
 private:
     QString openedListPath() const;

@@ -8,6 +8,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
@@ -44,7 +45,7 @@ private:
     QString m_output;
     QTemporaryDir m_work;
     KestraneDriver m_kestrane;
-    QString m_holiday, m_beach, m_gone;
+    QString m_holiday, m_beach, m_gone, m_concert;
 };
 
 bool Walk::shot(const QString &name)
@@ -94,7 +95,8 @@ QString Walk::run()
     m_holiday = m_kestrane.makeClip(QStringLiteral("holiday.avi"), 90);
     m_beach = m_kestrane.makeClip(QStringLiteral("beach.avi"), 8, QStringLiteral("320x240"));
     m_gone = m_kestrane.makeClip(QStringLiteral("garden.avi"), 4, QStringLiteral("320x240"));
-    if (m_holiday.isEmpty() || m_beach.isEmpty() || m_gone.isEmpty())
+    m_concert = m_kestrane.makeClip(QStringLiteral("concert.mkv"), 6, QStringLiteral("640x360"), QStringLiteral("ac3"));
+    if (m_holiday.isEmpty() || m_beach.isEmpty() || m_gone.isEmpty() || m_concert.isEmpty())
         return QStringLiteral("ffmpeg could not make the clips");
     if (const QString failure = m_kestrane.start(); !failure.isEmpty())
         return failure;
@@ -158,6 +160,26 @@ QString Walk::views()
     if (!waitForCell([](const QString &name) { return name == QLatin1String("Failed"); }, 60000))
         return QStringLiteral("the job did not fail");
     shot(QStringLiteral("queue-failed"));
+
+    // An H.264/AC-3 film made into an MP4 for a device, through the MP4 tab.
+    if (!k.clickOn(QStringLiteral("page tab"), QStringLiteral("MP4")) || !openFiles(m_concert, m_concert) || !k.tickAllTracks())
+        return QStringLiteral("the film did not load on the MP4 tab");
+    // The device chooser reads as its current device; the next one is "Apple TV 3".
+    if (!k.clickOn(QStringLiteral("combo box"), QStringLiteral("General")))
+        return QStringLiteral("no device chooser");
+    QThread::msleep(300);
+    k.key(QStringLiteral("Down Return"));
+    if (!k.clickOn(QStringLiteral("push button"), QStringLiteral("Convert")))
+        return QStringLiteral("Convert is not enabled on the MP4 tab");
+    const QString film = QFileInfo(m_concert).fileName();
+    const QDeadlineTimer converted(120000);
+    for (const Node *status = nullptr; !status || status->name != QLatin1String("Completed");
+         status = k.queueCell(film, QStringLiteral("Status"))) {
+        if (converted.hasExpired())
+            return QStringLiteral("the MP4 conversion did not complete");
+        QThread::msleep(500);
+    }
+    shot(QStringLiteral("main-mp4"));
 
     k.key(QStringLiteral("ctrl+comma"));
     if (!k.waitFor(QStringLiteral("dialog"), QStringLiteral("Preferences"), 5000))
