@@ -360,13 +360,20 @@ int MCCliSession::join()
     return -1;
 }
 
-int MCCliSession::split()
+QList<QUrl> MCCliSession::openForFileEdit()
 {
     const QList<QUrl> urls = checkedFiles(m_options.files);
     if (urls.isEmpty())
-        return -1;
+        return {};
     openFiles(MCWords::tabEditFiles, urls);
-    if (m_app->editFilesURLsArray.isEmpty())
+    // Files Edit Files refused have had their message.
+    return m_app->editFilesURLsArray.isEmpty() ? QList<QUrl>() : urls;
+}
+
+int MCCliSession::split()
+{
+    const QList<QUrl> urls = openForFileEdit();
+    if (urls.isEmpty())
         return -1;
     MCSelectionController *rules = m_app->selectionController;
     if (!m_options.startTime.isEmpty()) {
@@ -415,11 +422,8 @@ int MCCliSession::editTracks(int row)
 
 int MCCliSession::par()
 {
-    const QList<QUrl> urls = checkedFiles(m_options.files);
+    const QList<QUrl> urls = openForFileEdit();
     if (urls.isEmpty())
-        return -1;
-    openFiles(MCWords::tabEditFiles, urls);
-    if (m_app->editFilesURLsArray.isEmpty())
         return -1;
     MCSelectionController *rules = m_app->selectionController;
     rules->setEnteredParWidth(m_options.parWidth);

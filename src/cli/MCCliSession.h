@@ -57,6 +57,9 @@ private:
     // the files in as the Open command would.
     QList<QUrl> checkedFiles(const QStringList &paths);
     void openFiles(const QString &tab, const QList<QUrl> &urls);
+    // The files on the command line opened into Edit Files; empty when
+    // none could be taken.
+    QList<QUrl> openForFileEdit();
     bool loaded(const QUrl &url) const;
     bool selectTracks(const QList<int> &positions, const QUrl &url);
     void applyExplicitSettings();
