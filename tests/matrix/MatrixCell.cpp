@@ -118,7 +118,8 @@ QString MatrixCell::checkStreams(const MediaFacts &out) const
         return QStringLiteral("video is %1 wide, not %2").arg(out.video.width).arg(m_choice.width);
     // mkvmerge turns an AVI's empty "dropped" frames into gaps between time
     // stamps, which lowers the average rate; the lengths below still agree.
-    const bool gapsAllowed = m_choice.intoMkv && m_choice.video == MatrixChoice::Video::AsSource;
+    // The MP4 muxer does the same with the frames MEncoder skipped.
+    const bool gapsAllowed = (m_choice.intoMkv && m_choice.video == MatrixChoice::Video::AsSource) || m_choice.intoMp4;
     if (in.video.frameRate > 0 && !gapsAllowed && !near(out.video.frameRate, in.video.frameRate, in.video.frameRate * 0.01))
         return QStringLiteral("%1 frames per second, the source has %2").arg(out.video.frameRate).arg(in.video.frameRate);
     if (!near(out.video.seconds, in.video.seconds, kDurationSlack))
