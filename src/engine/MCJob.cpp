@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
+#include <QSet>
 #include <QSemaphore>
 #include <QTimer>
 
@@ -567,8 +568,18 @@ void MCJob::jobDone()
         // Kept logs and intermediates leave the private folder with the job;
         // links to a source that a tool read through stay behind.
         const QFileInfoList kept = QDir(m_staging.path()).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
-        for (const QFileInfo &file : kept)
-            m_staging.publish(file.absoluteFilePath());
+        QSet<QString> keptLogs;
+        for (const QString &log : std::as_const(logFilesToDeleteList))
+            keptLogs.insert(QFileInfo(log).absoluteFilePath());
+        for (const QFileInfo &file : kept) {
+            if (keepsOnlyLogs && !keptLogs.contains(file.absoluteFilePath()))
+                continue;
+            const QString published = m_staging.publish(file.absoluteFilePath());
+            // A watched folder must not take a kept stream up as a new movie.
+            if (!published.isEmpty())
+                MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted,
+                                                           QUrl::fromLocalFile(published));
+        }
     }
     m_staging.remove();
     QVariantList emptyRows;

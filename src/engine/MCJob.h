@@ -155,6 +155,9 @@ protected:
     // Creates the job's private folder when it has none yet; false (and the
     // job's failure reason set) when the save folder takes no files.
     bool ensureStaging();
+    // Whether "keep logs" keeps only the logs: the job's intermediates are
+    // streams a watched folder would take up as movies of their own.
+    bool keepsOnlyLogs = false;
 
 private:
     bool monitorTick(const MCMonitorPolicy &policy);

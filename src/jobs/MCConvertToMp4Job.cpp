@@ -5,6 +5,7 @@
 #include "MCMencoderVideo.h"
 #include "MCMkvExtractor.h"
 #include "MCMp4Muxer.h"
+#include "MCMp4TabRules.h"
 #include "MCProfileEditor.h"
 #include "MCSubtitleConverter.h"
 #include "MCTrackDumper.h"
@@ -40,6 +41,7 @@ QString extensionOf(const QUrl &file)
 MCConvertToMp4Job::MCConvertToMp4Job(QObject *parent)
     : MCJob(parent)
 {
+    keepsOnlyLogs = true;
 }
 
 void MCConvertToMp4Job::registerJobType()
@@ -51,6 +53,10 @@ void MCConvertToMp4Job::registerJobType()
 QString MCConvertToMp4Job::conversionRefusal(const MCSelection &selection)
 {
     for (const MCVideoTrackPtr &track : selection.trackList) {
+        if (track->userCodec.toLower() == kPassthru) {
+            if (const QString refusal = MCMp4TabRules::dumpRefusal(*track); !refusal.isEmpty())
+                return refusal;
+        }
         if (track->trackType != QStringLiteral("Audio"))
             continue;
         const QString codec = (track->userCodec.toLower() == kPassthru ? track->trackCodec : track->userCodec).toLower();

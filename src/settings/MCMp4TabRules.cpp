@@ -30,6 +30,24 @@ bool subtitleSourceServed(const MCVideoTrack &track)
     return container == QStringLiteral("mkv") || container == QStringLiteral("mp4") || container == QStringLiteral("m4v");
 }
 
+// MEncoder's reader of MPEG streams tags a copied picture with its own
+// number, which no MP4 muxer reads.
+bool isMpegStreamFile(const QString &container)
+{
+    static const QStringList mpegStreams{QStringLiteral("ts"),  QStringLiteral("m2ts"), QStringLiteral("mts"),
+                                         QStringLiteral("m2t"), QStringLiteral("mpg"),  QStringLiteral("mpeg"),
+                                         QStringLiteral("vob")};
+    return mpegStreams.contains(container);
+}
+
+// The job copies these tracks out as they are; the rest go through a dump.
+bool isReadAsItIs(const QString &container)
+{
+    static const QStringList read{QStringLiteral("mkv"), QStringLiteral("mp4"), QStringLiteral("m4v"),
+                                  QStringLiteral("h264"), QStringLiteral("aac"), QStringLiteral("ac3")};
+    return read.contains(container);
+}
+
 } // namespace
 
 MCMp4TabRules::MCMp4TabRules(QObject *parent)
@@ -94,6 +112,10 @@ QString MCMp4TabRules::copyRefusal(const MCSelection &selection) const
         if (track->trackType == MCWords::trackAudio && copied && !holdsAudio(track->trackCodec))
             return QStringLiteral("An MP4 takes AAC or AC-3 sound as it is; %1 is %2: choose AAC or AC-3.")
                 .arg(nameOf(*track), track->trackCodec);
+        if (copied) {
+            if (const QString refusal = dumpRefusal(*track); !refusal.isEmpty())
+                return refusal;
+        }
         if (isSubtitle(*track) && track->userCodec == QStringLiteral("mux")) {
             if (const QString refusal = subtitleRefusal(*track); !refusal.isEmpty())
                 return refusal;
@@ -111,5 +133,22 @@ QString MCMp4TabRules::subtitleRefusal(const MCVideoTrack &track) const
         return QStringLiteral("The subtitles inside this %1 file cannot be muxed into an MP4 (only those of MKV and MP4 "
                               "files and added subtitle files): leave the subtitles out.")
             .arg(track.trackFileExtension.toUpper());
+    return {};
+}
+
+QString MCMp4TabRules::dumpRefusal(const MCVideoTrack &track)
+{
+    const QString container = track.trackFileExtension.toLower();
+    if (isReadAsItIs(container))
+        return {};
+    const QString codec = track.trackCodec.toLower();
+    const QString file = container.toUpper();
+    if (track.trackType == MCWords::trackVideo && (isMpegStreamFile(container) || codec == QStringLiteral("h264")))
+        // A dumped H.264 loses the order in which its pictures are shown.
+        return QStringLiteral("Kestrane cannot copy the %1 picture out of the %2 file into an MP4: choose MPEG-4.")
+            .arg(track.trackCodec, file);
+    if (track.trackType == MCWords::trackAudio && codec == QStringLiteral("aac") && !isMpegStreamFile(container))
+        // Only MPEG streams carry AAC with the headers a dump keeps.
+        return QStringLiteral("Kestrane cannot copy the AAC sound out of the %1 file into an MP4: choose AAC.").arg(file);
     return {};
 }

@@ -30,6 +30,9 @@ public:
     // Subtitles go in as text: SRT, SubViewer/MicroDVD, or SSA/ASS turned
     // into SRT first.
     static bool isTextSubtitle(const QString &codec);
+    // Why a track copied out of a file that is neither MKV nor MP4 (through
+    // MEncoder's and MPlayer's dumps) would not play in the MP4; "" when it would.
+    static QString dumpRefusal(const MCVideoTrack &track);
 
 protected:
     QString conversionJobType() const override;

@@ -102,16 +102,43 @@ TEST_F(Mp4ConversionTest, Ps3CopyOfAnMkvStreamIsPatchedBeforeAndAfterTheMux)
     const QString mkv = editingMedia(u"ps3.mkv"_s);
     testsupport::run(u"ffmpeg -nostdin -v error -y -i '%1' -c copy '%2'"_s.arg(mp4, mkv));
     select(mkv, u"PS3"_s);
-    prefs.preferences->keepLogsFlag = true;
+    // The stream mkvextract made, read as the muxer starts on it.
+    QString streamProfile;
+    QObject observer;
+    MCNotificationCenter::defaultCenter().addObserver(
+        &observer, MCNotificationName::conversionStarted, [&](const MCNotification &n) {
+            if (n.object.toUrl().fileName().endsWith(u".mp4"_s))
+                streamProfile = videoProfile(job.theTracks.first()->muxingTrackFileURL.toLocalFile());
+        });
     ASSERT_TRUE(convert()) << job.failureReason().toStdString();
 
     const QString result = savedPath(u"ps3.mkv.mp4"_s);
     EXPECT_EQ(videoProfile(result), u"High@L4.1"_s);
     EXPECT_TRUE(decodesCleanly(result));
-    // The stream mkvextract made was lowered before it was muxed.
-    const QStringList streams = saved(u"ps3.mkv.temp.v*.h264"_s);
-    ASSERT_EQ(streams.size(), 1);
-    EXPECT_EQ(videoProfile(savedPath(streams.first())), u"High@L4.1"_s);
+    EXPECT_EQ(streamProfile, u"High@L4.1"_s);
+}
+
+// With "keep logs" only logs stay: a dumped stream beside the result would
+// be taken up by a watched folder as a movie of its own.
+TEST_F(Mp4ConversionTest, AnAviCopyMuxesItsDumpsAndKeepsNoneOfThem)
+{
+    const QString avi = editingMedia(u"dumped.avi"_s);
+    if (!QFile::exists(avi))
+        testsupport::ffmpeg(QFileInfo(avi).path(), u"dumped.avi"_s,
+                            u"-f lavfi -i testsrc2=s=160x120:r=25:d=3 -f lavfi -i sine=d=3:r=48000 -ac 2 -c:v mpeg4 -c:a ac3"_s);
+    select(avi, u"General"_s);
+    prefs.preferences->keepLogsFlag = true;
+    ASSERT_TRUE(convert()) << job.failureReason().toStdString();
+
+    const QString result = savedPath(u"dumped.avi.m4v"_s);
+    EXPECT_EQ(mediaTracks(result, u"Video"_s).value(0).value(u"Format"_s).toString(), u"MPEG-4 Visual"_s);
+    EXPECT_EQ(mediaTracks(result, u"Audio"_s).value(0).value(u"Format"_s).toString(), u"AC-3"_s);
+    EXPECT_NEAR(durationSeconds(result), durationSeconds(avi), 0.5);
+    EXPECT_TRUE(decodesCleanly(result));
+    EXPECT_TRUE(sawRow(u"Dumping Video="_s));
+    for (const QString &file : saved(u"*"_s))
+        EXPECT_TRUE(file == u"dumped.avi.m4v"_s || file.endsWith(u".log"_s)) << file.toStdString();
+    EXPECT_EQ(saved(u"*.dumped.*.log"_s).size(), 2);
 }
 
 TEST_F(Mp4ConversionTest, AFailingMuxFailsTheJobAndLeavesNoResult)

@@ -74,13 +74,15 @@ Verdict MatrixCell::run() const
 Verdict MatrixCell::judgeOutput() const
 {
     // An exit status of 0 proves nothing: the file itself must hold what was asked.
-    const QString kind = m_choice.intoMkv ? QStringLiteral("MKV") : QStringLiteral("AVI");
-    const QString avi = m_folder + QStringLiteral("/out/") + QFileInfo(m_source.path).fileName()
-                        + (m_choice.intoMkv ? QStringLiteral(".muxed.mkv") : QStringLiteral(".avi"));
+    const QString kind = m_choice.intoMkv ? QStringLiteral("MKV") : m_choice.intoMp4 ? QStringLiteral("MP4") : QStringLiteral("AVI");
+    const QString avi = outputPath();
     if (QFileInfo(avi).size() <= 0)
         return Verdict::failed(QStringLiteral("exit 0 but no %1 written").arg(kind));
     const MediaFacts out = probeMedia(avi);
-    if (!out.readable || out.container != (m_choice.intoMkv ? QLatin1String("Matroska") : QLatin1String("AVI")))
+    const QLatin1String container = m_choice.intoMkv   ? QLatin1String("Matroska")
+                                    : m_choice.intoMp4 ? QLatin1String("MPEG-4")
+                                                       : QLatin1String("AVI");
+    if (!out.readable || out.container != container)
         return Verdict::failed(QStringLiteral("exit 0 but the output is no readable %1").arg(kind));
     const DecodedFacts decoded = decodeMedia(avi);
     for (const QString &problem : {checkStreams(out), checkDecoding(decoded), checkSync(decoded),
@@ -89,6 +91,18 @@ Verdict MatrixCell::judgeOutput() const
             return Verdict::failed(QStringLiteral("exit 0 but %1").arg(problem));
     }
     return Verdict::ok();
+}
+
+QString MatrixCell::outputPath() const
+{
+    const QString base = m_folder + QStringLiteral("/out/") + QFileInfo(m_source.path).fileName();
+    if (m_choice.intoMkv)
+        return base + QStringLiteral(".muxed.mkv");
+    if (!m_choice.intoMp4)
+        return base + QStringLiteral(".avi");
+    // The muxer names the result after what it holds.
+    const QString m4v = base + QStringLiteral(".m4v");
+    return QFileInfo::exists(m4v) ? m4v : base + QStringLiteral(".mp4");
 }
 
 QString MatrixCell::checkStreams(const MediaFacts &out) const
@@ -104,7 +118,8 @@ QString MatrixCell::checkStreams(const MediaFacts &out) const
         return QStringLiteral("video is %1 wide, not %2").arg(out.video.width).arg(m_choice.width);
     // mkvmerge turns an AVI's empty "dropped" frames into gaps between time
     // stamps, which lowers the average rate; the lengths below still agree.
-    const bool gapsAllowed = m_choice.intoMkv && m_choice.video == MatrixChoice::Video::AsSource;
+    // The MP4 muxer does the same with the frames MEncoder skipped.
+    const bool gapsAllowed = (m_choice.intoMkv && m_choice.video == MatrixChoice::Video::AsSource) || m_choice.intoMp4;
     if (in.video.frameRate > 0 && !gapsAllowed && !near(out.video.frameRate, in.video.frameRate, in.video.frameRate * 0.01))
         return QStringLiteral("%1 frames per second, the source has %2").arg(out.video.frameRate).arg(in.video.frameRate);
     if (!near(out.video.seconds, in.video.seconds, kDurationSlack))

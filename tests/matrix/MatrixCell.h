@@ -37,6 +37,7 @@ public:
 
 private:
     Verdict judgeOutput() const;
+    QString outputPath() const;
     QString checkStreams(const MediaFacts &out) const;
     QString checkDecoding(const DecodedFacts &decoded) const;
     QString checkSync(const DecodedFacts &decoded) const;

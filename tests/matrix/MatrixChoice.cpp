@@ -73,5 +73,17 @@ QList<MatrixChoice> MatrixChoice::all()
                         V::AsSource, A::Ac3};
     mkvAc3.intoMkv = true;
     choices.append(mkvAc3);
+    // Into MP4, which takes H.264 or MPEG-4 pictures and AAC or AC-3 sound
+    // as they are: copying is refused for the rest, converting never is.
+    const QStringList kMp4{QStringLiteral("--to"), QStringLiteral("mp4")};
+    MatrixChoice mp4Copy{QStringLiteral("MP4 copy"), kMp4 + kVideoAndAudio, V::AsSource, A::AsSource};
+    mp4Copy.intoMp4 = true;
+    choices.append(mp4Copy);
+    MatrixChoice mp4Aac{QStringLiteral("MP4 MPEG-4/AAC"),
+                        kMp4 + kVideoAndAudio + kMpeg4 + QStringList{QStringLiteral("--audio"), QStringLiteral("aac")},
+                        V::Mpeg4, A::AacStereo};
+    mp4Aac.intoMp4 = true;
+    mp4Aac.mustConvert = true;
+    choices.append(mp4Aac);
     return choices;
 }

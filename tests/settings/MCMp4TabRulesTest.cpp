@@ -54,7 +54,7 @@ TEST(MCMp4TabRulesTest, CopiedTracksMustBeWhatAnMp4HoldsAsTheyAre)
 {
     {
         SCOPED_TRACE("a VC-1 picture is encoded, not copied");
-        Mp4Tab t({{"Video", "VC-1"}, {"Audio", "aac", "2"}}, QStringLiteral("wmv"));
+        Mp4Tab t({{"Video", "VC-1"}, {"Audio", "ac3", "2"}}, QStringLiteral("wmv"));
         EXPECT_FALSE(t.rules.canConvert);
         EXPECT_TRUE(t.rules.convertRefusalText().contains(QStringLiteral("choose MPEG-4"))) << t.why();
         t.tab().setVideoMatrixIndex(MCMkvTabRules::VideoOnePass);
@@ -79,6 +79,37 @@ TEST(MCMp4TabRulesTest, CopiedTracksMustBeWhatAnMp4HoldsAsTheyAre)
         t.update();
         ASSERT_EQ(t.record().addedAudioTrackList.size(), 1);
         EXPECT_EQ(t.record().addedAudioTrackList.first()->userCodec, QStringLiteral("aac"));
+        EXPECT_TRUE(t.rules.canConvert) << t.why();
+    }
+}
+
+// Out of files that are neither MKV nor MP4 the job copies tracks through
+// MEncoder's and MPlayer's dumps, which lose some on the way.
+TEST(MCMp4TabRulesTest, CopiesTheDumpsCannotCarryAreRefusedUntilConverted)
+{
+    {
+        SCOPED_TRACE("a TS picture gets a tag no muxer reads; its ADTS sound is fine");
+        Mp4Tab t({{"Video", "h264"}, {"Audio", "aac", "2"}}, QStringLiteral("ts"));
+        EXPECT_FALSE(t.rules.canConvert);
+        EXPECT_TRUE(t.rules.convertRefusalText().contains(QStringLiteral("out of the TS file"))) << t.why();
+        t.tab().setVideoMatrixIndex(MCMkvTabRules::VideoOnePass);
+        t.update();
+        EXPECT_TRUE(t.rules.canConvert) << t.why();
+    }
+    {
+        SCOPED_TRACE("a dumped H.264 loses its picture order; MPEG-4 out of an AVI does not");
+        Mp4Tab h264({{"Video", "h264"}, {"Audio", "ac3", "2"}}, QStringLiteral("avi"));
+        EXPECT_FALSE(h264.rules.canConvert);
+        Mp4Tab mpeg4({{"Video", "mpeg4"}, {"Audio", "ac3", "2"}}, QStringLiteral("avi"));
+        EXPECT_TRUE(mpeg4.rules.canConvert) << mpeg4.why();
+    }
+    {
+        SCOPED_TRACE("MPlayer dumps a MOV's AAC without the headers that frame it");
+        Mp4Tab t({{"Video", "mpeg4"}, {"Audio", "aac", "2"}}, QStringLiteral("mov"));
+        EXPECT_FALSE(t.rules.canConvert);
+        EXPECT_TRUE(t.rules.convertRefusalText().contains(QStringLiteral("AAC sound out of the MOV file"))) << t.why();
+        t.tab().setAudioMatrixIndex(MCMkvTabRules::AudioAacStereo);
+        t.update();
         EXPECT_TRUE(t.rules.canConvert) << t.why();
     }
 }
