@@ -1,7 +1,9 @@
 #include "MCConversionJob.h"
 
+#include "MCMencoderVideo.h"
 #include "MCMkvMuxer.h"
 
+#include <QFileInfo>
 #include <QTimer>
 
 namespace {
@@ -34,4 +36,53 @@ void MCConversionJob::muxStep()
 void MCConversionJob::monitorMuxStep()
 {
     addMonitorLoop(MCMonitorPolicy::muxSteps());
+}
+
+bool MCConversionJob::startTrackSteps(const QString &refusal, const std::function<MCConverterPtr(int)> &stepForTrack)
+{
+    theTracks = jobSelection->trackList;
+    setStepPIDList({});
+    setProgressList({});
+    // Steps pair with tracks by position: a track without an entry would
+    // send every later stream to the wrong track.
+    if (!refusal.isEmpty()) {
+        setStepConverterList({});
+        refuseJob(refusal);
+        return false;
+    }
+    QList<MCConverterPtr> steps;
+    for (int i = 0; i < theTracks.size(); ++i) {
+        theTracks.at(i)->initializeForMuxing();
+        steps.append(stepForTrack(i));
+    }
+    setStepConverterList(steps);
+    for (qsizetype k = 0; k < steps.size(); ++k) {
+        const MCConverterPtr &step = steps.at(k);
+        if (!step)
+            continue;
+        if (!dynamic_cast<MCMencoderVideo *>(step.get())) {
+            startStep(step, true);
+            continue;
+        }
+        // The video step would encode the first audio track into its AVI as
+        // well; here every audio track has a step of its own, so it sees the
+        // video track alone.
+        auto pictureOnly = std::make_shared<MCSelection>(*jobSelection);
+        pictureOnly->trackList = {theTracks.at(k)};
+        startStep(step, true, pictureOnly);
+    }
+    for (qsizetype k = 0; k < steps.size() && k < theTracks.size(); ++k) {
+        const MCConverterPtr &step = steps.at(k);
+        if (!step)
+            continue;
+        const MCVideoTrackPtr &track = theTracks.at(k);
+        const QString extension = QFileInfo(step->outputFileURL.toLocalFile()).suffix();
+        track->muxingTrackFileURL = step->outputFileURL;
+        track->muxingTrackMp4boxID = QStringLiteral("one track");
+        track->muxingTrackMencoderID = QStringLiteral("one track");
+        track->muxingTrackExtension = extension;
+        track->muxingTrackFileExtension = extension.toLower();
+        track->trackMkvmergeID = QStringLiteral("0");
+    }
+    return true;
 }

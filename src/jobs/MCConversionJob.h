@@ -2,8 +2,11 @@
 
 #include "MCJob.h"
 
-// What the conversion jobs share: their tracks and a muxing phase that puts
-// the selection's tracks, as the conversion left them, into an MKV file.
+#include <functional>
+
+// What the conversion jobs share: their tracks, a first phase that prepares
+// each track with a step of its own, and (for the MKV target) a muxing
+// phase that puts the tracks, as the conversion left them, into an MKV file.
 class MCConversionJob : public MCJob
 {
     Q_OBJECT
@@ -19,4 +22,11 @@ public:
     // its monitor, which ends the job.
     void muxStep();
     void monitorMuxStep();
+
+protected:
+    // Takes the selection's tracks and, unless the job is refused, starts
+    // one step per track at once (null for a track used as it is, so that
+    // entry i always belongs to track i) and points each prepared track at
+    // its step's output. Answers false when refused.
+    bool startTrackSteps(const QString &refusal, const std::function<MCConverterPtr(int)> &stepForTrack);
 };

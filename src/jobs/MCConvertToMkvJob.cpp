@@ -34,25 +34,8 @@ void MCConvertToMkvJob::registerJobType()
 
 void MCConvertToMkvJob::startJob()
 {
-    theTracks = jobSelection->trackList;
-    setStepPIDList({});
-    setProgressList({});
-    // Steps pair with tracks by position: a track without an entry would
-    // send every later stream to the wrong track.
-    if (const QString refusal = MCMkvJobChecks::conversionRefusal(*jobSelection); !refusal.isEmpty()) {
-        setStepConverterList({});
-        refuseJob(refusal);
-        return;
-    }
-    QList<MCConverterPtr> steps;
-    for (int i = 0; i < theTracks.size(); ++i) {
-        theTracks.at(i)->initializeForMuxing();
-        steps.append(stepForTrack(i));
-    }
-    setStepConverterList(steps);
-    startEncoding(steps);
-    pointTracksAtEncodedFiles(steps);
-    QTimer::singleShot(kMonitorDelayMs, this, &MCConvertToMkvJob::monitorStartJob);
+    if (startTrackSteps(MCMkvJobChecks::conversionRefusal(*jobSelection), [this](int i) { return stepForTrack(i); }))
+        QTimer::singleShot(kMonitorDelayMs, this, &MCConvertToMkvJob::monitorStartJob);
 }
 
 MCConverterPtr MCConvertToMkvJob::stepForTrack(int i)
@@ -63,7 +46,7 @@ MCConverterPtr MCConvertToMkvJob::stepForTrack(int i)
         return nullptr;
     MCConverterPtr step;
     if (track->trackType == kVideo) {
-        // Its selection holds the video track alone (see startEncoding).
+        // Its selection holds the video track alone (see startTrackSteps).
         step = std::make_shared<MCMencoderVideo>();
         step->inititializeForTrack(0, QStringLiteral("Converting Video"), false);
     } else {
@@ -73,42 +56,6 @@ MCConverterPtr MCConvertToMkvJob::stepForTrack(int i)
     track->muxingTrackCodec = track->userCodec;
     track->wasReEncoded = true;
     return step;
-}
-
-void MCConvertToMkvJob::startEncoding(const QList<MCConverterPtr> &steps)
-{
-    for (qsizetype k = 0; k < steps.size(); ++k) {
-        const MCConverterPtr &step = steps.at(k);
-        if (!step)
-            continue;
-        if (!dynamic_cast<MCMencoderVideo *>(step.get())) {
-            startStep(step, true);
-            continue;
-        }
-        // The video step would encode the first audio track into its AVI as
-        // well; here every audio track has a step of its own (and MEncoder
-        // cannot put AAC into an AVI), so it sees the video track alone.
-        auto pictureOnly = std::make_shared<MCSelection>(*jobSelection);
-        pictureOnly->trackList = {theTracks.at(k)};
-        startStep(step, true, pictureOnly);
-    }
-}
-
-void MCConvertToMkvJob::pointTracksAtEncodedFiles(const QList<MCConverterPtr> &steps)
-{
-    const MCTrackList &tracks = jobSelection->trackList;
-    for (qsizetype k = 0; k < steps.size() && k < tracks.size(); ++k) {
-        const MCConverterPtr &step = steps.at(k);
-        if (!step)
-            continue;
-        const MCVideoTrackPtr &track = tracks.at(k);
-        track->muxingTrackFileURL = step->outputFileURL;
-        track->muxingTrackMp4boxID = QStringLiteral("one track");
-        track->muxingTrackMencoderID = QStringLiteral("one track");
-        track->muxingTrackExtension = QFileInfo(step->outputFileURL.toLocalFile()).suffix();
-        track->muxingTrackFileExtension = QFileInfo(track->muxingTrackFileURL.toLocalFile()).suffix();
-        track->trackMkvmergeID = QStringLiteral("0");
-    }
 }
 
 void MCConvertToMkvJob::monitorStartJob()

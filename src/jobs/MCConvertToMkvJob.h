@@ -22,8 +22,4 @@ public:
 private:
     // The step that re-encodes track i, or null when it goes in as it is.
     MCConverterPtr stepForTrack(int i);
-    void startEncoding(const QList<MCConverterPtr> &steps);
-    // Entry k of the steps pairs with track k of the selection's list: an
-    // encoded track is muxed from the encoder's file, where it is track 0.
-    void pointTracksAtEncodedFiles(const QList<MCConverterPtr> &steps);
 };

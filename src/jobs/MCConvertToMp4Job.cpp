@@ -39,7 +39,7 @@ QString extensionOf(const QUrl &file)
 } // namespace
 
 MCConvertToMp4Job::MCConvertToMp4Job(QObject *parent)
-    : MCJob(parent)
+    : MCConversionJob(parent)
 {
     keepsOnlyLogs = true;
 }
@@ -71,25 +71,8 @@ QString MCConvertToMp4Job::conversionRefusal(const MCSelection &selection)
 
 void MCConvertToMp4Job::startJob()
 {
-    theTracks = jobSelection->trackList;
-    setStepPIDList({});
-    setProgressList({});
-    if (const QString refusal = conversionRefusal(*jobSelection); !refusal.isEmpty()) {
-        setStepConverterList({});
-        refuseJob(refusal);
-        return;
-    }
-    // One entry per track, null for a track used as it is, so that entry i
-    // always belongs to track i.
-    QList<MCConverterPtr> steps;
-    for (int i = 0; i < theTracks.size(); ++i) {
-        theTracks.at(i)->initializeForMuxing();
-        steps.append(stepForTrack(i));
-    }
-    setStepConverterList(steps);
-    startPreparing(steps);
-    pointTracksAtStepOutputs(steps);
-    QTimer::singleShot(kPhaseDelayMs, this, &MCConvertToMp4Job::monitorStartJob);
+    if (startTrackSteps(conversionRefusal(*jobSelection), [this](int i) { return stepForTrack(i); }))
+        QTimer::singleShot(kPhaseDelayMs, this, &MCConvertToMp4Job::monitorStartJob);
 }
 
 MCConverterPtr MCConvertToMp4Job::stepForTrack(int i)
@@ -115,7 +98,7 @@ MCConverterPtr MCConvertToMp4Job::stepForTrack(int i)
     MCConverterPtr step;
     if (codec != kPassthru) {
         if (video) {
-            // Its selection holds the video track alone (see startPreparing).
+            // Its selection holds the video track alone (see startTrackSteps).
             step = std::make_shared<MCMencoderVideo>();
             step->inititializeForTrack(0, QStringLiteral("Converting Video"), false);
         } else {
@@ -139,38 +122,6 @@ MCConverterPtr MCConvertToMp4Job::stepForTrack(int i)
         step->inititializeForTrack(i, QStringLiteral("Dumping %1").arg(kind), false);
     }
     return step;
-}
-
-void MCConvertToMp4Job::startPreparing(const QList<MCConverterPtr> &steps)
-{
-    for (qsizetype k = 0; k < steps.size(); ++k) {
-        const MCConverterPtr &step = steps.at(k);
-        if (!step)
-            continue;
-        if (!dynamic_cast<MCMencoderVideo *>(step.get())) {
-            startStep(step, true);
-            continue;
-        }
-        // The video step would encode the first audio track as well; here
-        // every audio track has a step of its own.
-        auto pictureOnly = std::make_shared<MCSelection>(*jobSelection);
-        pictureOnly->trackList = {theTracks.at(k)};
-        startStep(step, true, pictureOnly);
-    }
-}
-
-void MCConvertToMp4Job::pointTracksAtStepOutputs(const QList<MCConverterPtr> &steps)
-{
-    for (qsizetype k = 0; k < steps.size() && k < theTracks.size(); ++k) {
-        const MCConverterPtr &step = steps.at(k);
-        if (!step)
-            continue;
-        const MCVideoTrackPtr &track = theTracks.at(k);
-        track->muxingTrackFileURL = step->outputFileURL;
-        track->muxingTrackMp4boxID = QStringLiteral("one track");
-        track->muxingTrackMencoderID = QStringLiteral("one track");
-        track->muxingTrackFileExtension = extensionOf(step->outputFileURL);
-    }
 }
 
 void MCConvertToMp4Job::monitorStartJob()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MCJob.h"
+#include "MCConversionJob.h"
 
 class MCMp4Muxer;
 
@@ -9,20 +9,16 @@ class MCMp4Muxer;
 // extracted or dumped into a stream of its own, all at once; ASS and SSA
 // subtitles become SRT; MP4Box muxes the streams; a copied H.264 video
 // gets the level its device can play, before and after the mux.
-class MCConvertToMp4Job : public MCJob
+class MCConvertToMp4Job : public MCConversionJob
 {
     Q_OBJECT
 public:
     explicit MCConvertToMp4Job(QObject *parent = nullptr);
 
-    MCTrackList theTracks;
-    // The mux monitor's counters ("Muxing Step #%i" and the last percentage).
-    int muxStepCounter() const { return monitorStepCounter(); }
-    int oldMuxProgress() const { return monitorLastValue(); }
-
     void startJob() override;
     void monitorStartJob();
     void processNewTracks();
+    // The MP4Box mux in place of the base's mkvmerge one.
     void muxStep();
     void monitorMuxStep();
     void processNewMuxedFile();
@@ -35,8 +31,6 @@ public:
 private:
     // The step that prepares track i, or null when it goes in as it is.
     MCConverterPtr stepForTrack(int i);
-    void startPreparing(const QList<MCConverterPtr> &steps);
-    void pointTracksAtStepOutputs(const QList<MCConverterPtr> &steps);
     bool copiesH264Video() const;
     // The level patch before the mux, on a stream of Kestrane's own.
     void patchCopiedStream(QStringList *newTempFiles);
