@@ -22,9 +22,9 @@ bool isEmptyWord(const QString &text)
 }
 
 // The several tracks of a kind share one alternate group; one of them plays.
-QString withGroup(const QString &specification, int group, bool enabled)
+QString withGroup(const QString &addition, int group, bool enabled)
 {
-    return QStringLiteral("%1:group=%2%3").arg(specification).arg(group).arg(enabled ? QString() : QStringLiteral(":disable"));
+    return QStringLiteral("%1:group=%2%3").arg(addition).arg(group).arg(enabled ? QString() : QStringLiteral(":disable"));
 }
 
 bool subtitleQualifies(const MCVideoTrack &track)
@@ -93,13 +93,13 @@ bool MCMp4Muxer::isOnOtherVolume(const QString &folder)
 
 QString MCMp4Muxer::trackSpecification(const MCVideoTrack &track, const QString &defaultName) const
 {
-    QString specification = doubleQuotedFormOf(track.muxingTrackFileURL.toLocalFile());
+    QString addition = doubleQuotedFormOf(track.muxingTrackFileURL.toLocalFile());
     if (track.muxingTrackMp4boxID != QStringLiteral("one track"))
-        specification += QLatin1Char('#') + track.muxingTrackMp4boxID;
+        addition += QLatin1Char('#') + track.muxingTrackMp4boxID;
     if (!isEmptyWord(track.muxingTrackLanguage))
-        specification += QStringLiteral(":lang=") + language2CodeFor(track.muxingTrackLanguage);
+        addition += QStringLiteral(":lang=") + language2CodeFor(track.muxingTrackLanguage);
     const QString title = isEmptyWord(track.muxingTrackTitle) ? defaultName : track.muxingTrackTitle;
-    return specification + QStringLiteral(":name=") + singleQuotedFormOf(title);
+    return addition + QStringLiteral(":name=") + singleQuotedFormOf(title);
 }
 
 MCOptionList MCMp4Muxer::videoAndAudioSpecifications() const
@@ -126,10 +126,10 @@ MCOptionList MCMp4Muxer::videoAndAudioSpecifications() const
     }
     const MCTrackList audio = aacTracks + ac3Tracks;
     for (qsizetype i = 0; i < audio.size(); ++i) {
-        QString specification = trackSpecification(*audio.at(i), QStringLiteral("Audio Track"));
+        QString addition = trackSpecification(*audio.at(i), QStringLiteral("Audio Track"));
         if (audioCount >= 2)
-            specification = withGroup(specification, 1, i == 0);
-        options << QStringLiteral("-add") << specification;
+            addition = withGroup(addition, 1, i == 0);
+        options << QStringLiteral("-add") << addition;
     }
     return options;
 }
@@ -144,10 +144,10 @@ MCOptionList MCMp4Muxer::subtitleSpecifications(bool grouped)
         // What the subtitle converter dumped is the job's to remove.
         if (track->muxingTrackFileURL.fileName().toLower() == QStringLiteral("dumpsub.srt"))
             tempFileToDeleteURL = track->muxingTrackFileURL;
-        QString specification = trackSpecification(*track, QStringLiteral("Subtitle Track"));
+        QString addition = trackSpecification(*track, QStringLiteral("Subtitle Track"));
         if (grouped)
-            specification = withGroup(specification, 2, first);
-        options << QStringLiteral("-add") << specification;
+            addition = withGroup(addition, 2, first);
+        options << QStringLiteral("-add") << addition;
         first = false;
     }
     return options;
