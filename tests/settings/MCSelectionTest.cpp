@@ -45,26 +45,16 @@ QStringList loggedLines(const std::function<void()> &action)
     return QString::fromUtf8(log.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-TEST(MCSelectionTest, ConstructionAndDefaults)
+TEST(MCSelectionTest, ResettingLeavesTheEncoderChoiceListsAndCounts)
 {
     MCSelection selection;
-    EXPECT_EQ(selection.mp4Muxer, QStringLiteral("mp4box"));
-    EXPECT_EQ(selection.currentEncoder, QStringLiteral("ffmpeg"));
-    EXPECT_FALSE(selection.forceLegacyEncoder);
-    EXPECT_TRUE(selection.jobType.isNull());
-    EXPECT_TRUE(selection.userFPS.isNull());
-
     selection.currentEncoder = QStringLiteral("mencoder");
     selection.vidCount = QStringLiteral("1");
     selection.trackList = {videoTrack()};
     selection.initialize();
-    EXPECT_EQ(selection.userWidth, QString(QLatin1String("")));
+    // Empty, not null: the width field shows it as typed.
     EXPECT_FALSE(selection.userWidth.isNull());
-    EXPECT_EQ(selection.userHeight, QStringLiteral("0"));
-    EXPECT_EQ(selection.userFPS, QStringLiteral("29.97"));
-    EXPECT_EQ(selection.jobStatus, QStringLiteral("Queued"));
     EXPECT_EQ(selection.jobType, QStringLiteral("none"));
-    // Resetting to defaults leaves the encoder choice, lists and counts alone.
     EXPECT_EQ(selection.currentEncoder, QStringLiteral("mencoder"));
     EXPECT_EQ(selection.vidCount, QStringLiteral("1"));
     EXPECT_EQ(selection.trackList.size(), 1);
@@ -232,24 +222,13 @@ TEST(MCSelectionTest, LogNumbersAddedTracksAfterTheSelectedOnes)
     selection.addAnyStereoTracks();
 
     const QStringList lines = loggedLines([&] { selection.logSelectionProperties(); });
-    ASSERT_FALSE(lines.isEmpty());
-    EXPECT_EQ(lines.first(), QStringLiteral("#############################  NEW SELECTION PROPERTIES  "
-                                            "################################"));
-    EXPECT_EQ(lines.at(2), QStringLiteral("videoTrackFileName = holiday.avi"));
-    EXPECT_EQ(lines.at(12), QStringLiteral("headerRemovalFlag = 1"));
-    EXPECT_EQ(lines.at(19), QStringLiteral("userWidth = "));
-    EXPECT_EQ(lines.at(29), QStringLiteral("splitDurationSeconds = 0"));
-    EXPECT_EQ(lines.at(30), QStringLiteral("############################# TRACK #1 PROPERTIES  "
-                                           "################################"));
-    EXPECT_TRUE(lines.contains(QStringLiteral("############################# TRACK #3 PROPERTIES  "
-                                              "################################")));
-    EXPECT_TRUE(lines.contains(QStringLiteral("############################# ADDED AUDIO TRACK #4 "
-                                              "PROPERTIES  ################################")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("videoTrackFileName = holiday.avi")));
+    EXPECT_EQ(lines.filter(QStringLiteral("TRACK #3 PROPERTIES")).size(), 1);
+    EXPECT_EQ(lines.filter(QStringLiteral("ADDED AUDIO TRACK #4 PROPERTIES")).size(), 1);
     EXPECT_EQ(lines.filter(QStringLiteral("   Track Properties    ")).size(), 4);
 
     const QStringList muxing = loggedLines([&] { selection.logSelectionMuxingProperties(); });
-    EXPECT_TRUE(muxing.contains(QStringLiteral("############################# ADDED AUDIO TRACK #4 "
-                                               "PROPERTIES  ################################")));
+    EXPECT_EQ(muxing.filter(QStringLiteral("ADDED AUDIO TRACK #4 PROPERTIES")).size(), 1);
     EXPECT_TRUE(muxing.filter(QStringLiteral("   Track Properties    ")).isEmpty());
     EXPECT_EQ(muxing.filter(QStringLiteral("muxingTrackType = ")).size(), 4);
 }

@@ -50,9 +50,8 @@ TEST_F(AviMergeTest, AddsTheAudioAsOneMoreStreamThatPlays)
         const QString added = testsupport::ffmpeg(dir.path(), audio.name,
                                                   QStringLiteral("-f lavfi -i sine=f=300:r=48000 -t 4 ") + audio.ffmpegCodec);
         const QString output = dir.path() + QStringLiteral("/movie.avi.addedAudio.avi");
-        QString log;
-        ASSERT_EQ(standin::runTool(QStringLiteral("avimerge"),
-                                   QStringLiteral("-i \"%1\" -p \"%2\" -o \"%3\"").arg(video, added, output), &log), 0) << log.toStdString();
+        ASSERT_TRUE(
+            standin::runs(QStringLiteral("avimerge"), QStringLiteral("-i \"%1\" -p \"%2\" -o \"%3\"").arg(video, added, output)));
 
         EXPECT_EQ(standin::integer(output, QStringLiteral("General"), QStringLiteral("AudioCount")), 2);
         EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Video"), QStringLiteral("FrameCount")),
@@ -80,13 +79,13 @@ TEST_F(AviMergeTest, RefusesAudioItCannotDecodeAndLeavesNoOutput)
     const QStringList before = standin::filesIn(dir.path());
 
     QString log;
-    EXPECT_NE(standin::runTool(QStringLiteral("avimerge"),
-                               QStringLiteral("-i \"%1\" -p \"%2\" -o \"%3\"").arg(video, junk.fileName(), output), &log), 0);
+    EXPECT_FALSE(standin::runs(QStringLiteral("avimerge"),
+                               QStringLiteral("-i \"%1\" -p \"%2\" -o \"%3\"").arg(video, junk.fileName(), output), &log));
     EXPECT_TRUE(log.contains(QStringLiteral("noise.mp3"))) << log.toStdString();
-    EXPECT_NE(standin::runTool(QStringLiteral("avimerge"),
-                               QStringLiteral("-i \"%1\" -p \"%1\" -o \"%2\"").arg(tone, output), &log), 0);
+    EXPECT_FALSE(
+        standin::runs(QStringLiteral("avimerge"), QStringLiteral("-i \"%1\" -p \"%1\" -o \"%2\"").arg(tone, output), &log));
     EXPECT_TRUE(log.contains(QStringLiteral("not an AVI"))) << log.toStdString();
-    EXPECT_NE(standin::runTool(QStringLiteral("avimerge"), QStringLiteral("-i \"%1\" -o \"%2\"").arg(video, output), &log), 0);
+    EXPECT_FALSE(standin::runs(QStringLiteral("avimerge"), QStringLiteral("-i \"%1\" -o \"%2\"").arg(video, output), &log));
     EXPECT_EQ(standin::filesIn(dir.path()), before);
     EXPECT_EQ(standin::checksum(video), videoSum);
 }

@@ -2,6 +2,8 @@
 
 #include <QTemporaryDir>
 
+#include <memory>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -13,38 +15,29 @@ class AviSplitTest : public ::testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        media = new QTemporaryDir;
+        media = std::make_unique<QTemporaryDir>();
         source = testsupport::ffmpeg(media->path(), QStringLiteral("movie.avi"),
                                      QStringLiteral("-f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=f=440:r=48000 "
                                                     "-t 10 -c:v mpeg4 -vtag XVID -g 25 -b:v 3M -minrate 3M -maxrate 3M "
                                                     "-bufsize 1M -c:a libmp3lame -b:a 128k"));
-        sourceSum = new QByteArray(standin::checksum(source));
+        sourceSum = standin::checksum(source);
     }
-    static void TearDownTestSuite()
-    {
-        delete media;
-        delete sourceSum;
-    }
-    void TearDown() override { EXPECT_EQ(standin::checksum(source), *sourceSum) << "the input was changed"; }
+    static void TearDownTestSuite() { media.reset(); }
+    void TearDown() override { EXPECT_EQ(standin::checksum(source), sourceSum) << "the input was changed"; }
 
     QTemporaryDir out;
-    static QTemporaryDir *media;
-    static QString source;
-    static QByteArray *sourceSum;
+    static inline std::unique_ptr<QTemporaryDir> media;
+    static inline QString source;
+    static inline QByteArray sourceSum;
 };
-
-QTemporaryDir *AviSplitTest::media = nullptr;
-QString AviSplitTest::source;
-QByteArray *AviSplitTest::sourceSum = nullptr;
 
 } // namespace
 
 TEST_F(AviSplitTest, TimeRangeStartsAtTheKeyFrameBeforeItAndKeepsAudioInStep)
 {
     const QString cut = out.path() + QStringLiteral("/movie.avi.split.avi");
-    QString log;
-    ASSERT_EQ(standin::runTool(QStringLiteral("avisplit"),
-                               QStringLiteral("-i \"%1\" -t 00:00:03.5-00:00:07 -c -o \"%2\"").arg(source, cut), &log), 0) << log.toStdString();
+    ASSERT_TRUE(standin::runs(QStringLiteral("avisplit"),
+                              QStringLiteral("-i \"%1\" -t 00:00:03.5-00:00:07 -c -o \"%2\"").arg(source, cut)));
     EXPECT_EQ(standin::filesIn(out.path()), QStringList{QStringLiteral("movie.avi.split.avi")});
 
     // 3.5 s asked; the start moves back to a key frame, at most one second.
@@ -60,8 +53,8 @@ TEST_F(AviSplitTest, SizeSplitKeepsEveryFrameInPiecesWithinTheSize)
 {
     const QString base = out.path() + QStringLiteral("/movie.avi.split.avi");
     QString log;
-    ASSERT_EQ(standin::runTool(QStringLiteral("avisplit"), QStringLiteral("-i \"%1\" -s 1 -H 0 -o \"%2\"").arg(source, base), &log), 0)
-        << log.toStdString();
+    ASSERT_TRUE(
+        standin::runs(QStringLiteral("avisplit"), QStringLiteral("-i \"%1\" -s 1 -H 0 -o \"%2\"").arg(source, base), &log));
     const QStringList pieces = standin::filesIn(out.path());
     ASSERT_GE(pieces.size(), 4) << log.toStdString();
     int frames = 0;
@@ -80,8 +73,8 @@ TEST_F(AviSplitTest, PieceLimitLeavesTheRestUnwritten)
 {
     const QString base = out.path() + QStringLiteral("/part");
     QString log;
-    ASSERT_EQ(standin::runTool(QStringLiteral("avisplit"), QStringLiteral("-i \"%1\" -s 1 -H 2 -o \"%2\"").arg(source, base), &log), 0)
-        << log.toStdString();
+    ASSERT_TRUE(
+        standin::runs(QStringLiteral("avisplit"), QStringLiteral("-i \"%1\" -s 1 -H 2 -o \"%2\"").arg(source, base), &log));
     EXPECT_EQ(standin::filesIn(out.path()), (QStringList{QStringLiteral("part-0000.avi"), QStringLiteral("part-0001.avi")}));
     EXPECT_TRUE(log.contains(QStringLiteral("not written"))) << log.toStdString();
 }
@@ -108,7 +101,7 @@ TEST_F(AviSplitTest, RefusesBadRequestsWithoutWritingAnything)
     };
     for (const auto &bad : cases) {
         QString log;
-        EXPECT_NE(standin::runTool(QStringLiteral("avisplit"), bad.arguments, &log), 0) << bad.arguments.toStdString();
+        EXPECT_FALSE(standin::runs(QStringLiteral("avisplit"), bad.arguments, &log)) << bad.arguments.toStdString();
         EXPECT_TRUE(log.contains(bad.message)) << log.toStdString();
         EXPECT_EQ(standin::filesIn(out.path()), QStringList{QStringLiteral("clip.mkv")}) << bad.arguments.toStdString();
     }
@@ -127,9 +120,8 @@ TEST_F(AviSplitTest, FileCutShortWithoutItsIndexIsSplitWhole)
                                     "-of csv=p=0 '%1'").arg(cutShort.fileName()), &packets);
 
     QString log;
-    ASSERT_EQ(standin::runTool(QStringLiteral("avisplit"),
-                               QStringLiteral("-i \"%1\" -s 1 -H 0 -o \"%2/piece\"").arg(cutShort.fileName(), out.path()), &log), 0)
-        << log.toStdString();
+    ASSERT_TRUE(standin::runs(QStringLiteral("avisplit"),
+                              QStringLiteral("-i \"%1\" -s 1 -H 0 -o \"%2/piece\"").arg(cutShort.fileName(), out.path()), &log));
     const QStringList pieces = standin::filesIn(out.path()).filter(QStringLiteral("piece-"));
     ASSERT_GE(pieces.size(), 3) << log.toStdString();
     int frames = 0;

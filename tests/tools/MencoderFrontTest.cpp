@@ -38,13 +38,9 @@ protected:
                                                        "-t 4 -c:v mpeg4 -vtag XVID -g 25 -c:a ac3 -b:a 448k"));
     }
 
-    int mencoder(const QString &arguments, QString *log = nullptr)
+    static testing::AssertionResult mencoder(const QString &arguments, QString *log = nullptr)
     {
-        QString output;
-        const int status = standin::runTool(QStringLiteral("mencoder"), arguments, &output);
-        if (log)
-            *log = output;
-        return status;
+        return standin::runs(QStringLiteral("mencoder"), arguments, log);
     }
 
     void expectFiles(const QStringList &names)
@@ -67,12 +63,10 @@ TEST_F(MencoderFrontTest, XvidAviGetsAc3SurroundFromAnAudioFile)
                                                  QStringLiteral("-f lavfi -i sine=f=300:r=48000 -t 4 -ac 6 -c:a pcm_s16le"));
     const QString output = dir.path() + QStringLiteral("/stereo.avi.avi");
     QString log;
-    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" %2 -oac lavc -lavcopts acodec=ac3:abitrate=384 -channels 6 %3 -srate 48000 "
-                                      "-audiofile \"%4\" -noautoexpand -o \"%5\"")
-                           .arg(stereoAvi, kXvidVideo, kIdentityPan, surround, output),
-                       &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(mencoder(QStringLiteral("\"%1\" %2 -oac lavc -lavcopts acodec=ac3:abitrate=384 -channels 6 %3 -srate 48000 "
+                                        "-audiofile \"%4\" -noautoexpand -o \"%5\"")
+                             .arg(stereoAvi, kXvidVideo, kIdentityPan, surround, output),
+                         &log));
     EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Video"), QStringLiteral("CodecID")).toUpper(), QStringLiteral("XVID"));
     EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format")), QStringLiteral("AC-3"));
     EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("Channels")), 6);
@@ -87,13 +81,9 @@ TEST_F(MencoderFrontTest, XvidAviGetsAc3SurroundFromAnAudioFile)
 TEST_F(MencoderFrontTest, SixChannelTrackOfTheVideoIsPannedInMencodersChannelOrder)
 {
     const QString output = dir.path() + QStringLiteral("/centre.avi.avi");
-    QString log;
-    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" %2 -oac lavc -lavcopts acodec=ac3:abitrate=448 -channels 6 %3 -srate 48000 "
-                                      "-aid 1 -noautoexpand -o \"%4\"")
-                           .arg(centreAvi, kXvidVideo, kCentreToLeftPan, output),
-                       &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(mencoder(QStringLiteral("\"%1\" %2 -oac lavc -lavcopts acodec=ac3:abitrate=448 -channels 6 %3 -srate 48000 "
+                                        "-aid 1 -noautoexpand -o \"%4\"")
+                             .arg(centreAvi, kXvidVideo, kCentreToLeftPan, output)));
     EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format")), QStringLiteral("AC-3"));
     EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("BitRate")), 448000);
     EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("SamplingRate")), 48000);
@@ -108,13 +98,10 @@ TEST_F(MencoderFrontTest, RawAacStereoDownMixFromAMatroskaTrack)
     const QString mkv = testsupport::ffmpeg(dir.path(), QStringLiteral("clip.mkv"),
                                             QStringLiteral("-i '%1' -c:v copy -c:a aac -b:a 256k").arg(centreAvi));
     const QString output = dir.path() + QStringLiteral("/clip.mkv.temp.Audio.t0.added.aac");
-    QString log;
     // Matroska numbers -aid by audio track: 0 is the first.
-    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -aid 0 -ovc copy -oac faac -faacopts br=160:mpeg=4:object=2 -channels 2 "
-                                      "-srate 48000 -of rawaudio  -o \"%2\"").arg(mkv, output),
-                       &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(mencoder(QStringLiteral("\"%1\" -aid 0 -ovc copy -oac faac -faacopts br=160:mpeg=4:object=2 -channels 2 "
+                                        "-srate 48000 -of rawaudio  -o \"%2\"")
+                             .arg(mkv, output)));
     EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("General"), QStringLiteral("Format")), QStringLiteral("ADTS"));
     EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format_AdditionalFeatures")),
               QStringLiteral("LC"));
@@ -151,12 +138,9 @@ TEST_F(MencoderFrontTest, AudioIdIsReadAsMencoderNumbersEachContainer)
     for (const auto &file : files) {
         const QString input = testsupport::ffmpeg(dir.path(), file.name, file.inputs);
         const QString output = input + QStringLiteral(".ac3");
-        QString log;
-        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" %2 -aid %3 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=192 -channels 2 "
-                                          "-srate 48000 -of rawaudio -o \"%4\"").arg(input, file.reader, file.audioId, output),
-                           &log),
-                  0)
-            << log.toStdString();
+        ASSERT_TRUE(mencoder(QStringLiteral("\"%1\" %2 -aid %3 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=192 -channels 2 "
+                                            "-srate 48000 -of rawaudio -o \"%4\"")
+                                 .arg(input, file.reader, file.audioId, output)));
         EXPECT_GT(standin::channelLoudness(output, QStringLiteral("FL")), -40.0) << file.name.toStdString();
     }
 }
@@ -176,10 +160,8 @@ TEST_F(MencoderFrontTest, MpegAudioCopiedThroughFfmpegsReadersKeepsItsLength)
     for (const auto &c : cases) {
         const QString output = c.input + QStringLiteral(".avi");
         QString log;
-        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" %2 -oac copy -aid 0 -noautoexpand -o \"%3\"").arg(c.input, c.options, output),
-                           &log),
-                  0)
-            << log.toStdString();
+        ASSERT_TRUE(
+            mencoder(QStringLiteral("\"%1\" %2 -oac copy -aid 0 -noautoexpand -o \"%3\"").arg(c.input, c.options, output), &log));
         EXPECT_TRUE(log.contains(QStringLiteral("-audio-demuxer audio"))) << log.toStdString();
         QString decoded;
         testsupport::run(QStringLiteral("ffmpeg -hide_banner -nostdin -i '%1' -map 0:a:0 -f null - 2>&1 "
@@ -193,8 +175,7 @@ TEST_F(MencoderFrontTest, MpegAudioCopiedThroughFfmpegsReadersKeepsItsLength)
     for (const QString &input : {centreAvi, stereoAvi}) {
         QString log;
         const QString output = dir.path() + QStringLiteral("/untouched.avi");
-        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -ovc copy -oac copy -o \"%2\"").arg(input, output), &log), 0)
-            << log.toStdString();
+        ASSERT_TRUE(mencoder(QStringLiteral("\"%1\" -ovc copy -oac copy -o \"%2\"").arg(input, output), &log));
         EXPECT_TRUE(log.startsWith(QStringLiteral("MEncoder"))) << log.toStdString();
     }
     expectFiles({QStringLiteral("mp3.mkv"), QStringLiteral("mp3.mkv.avi"), QStringLiteral("stereo.avi.avi"),
@@ -207,12 +188,9 @@ TEST_F(MencoderFrontTest, AudioStartingAfterTheVideoKeepsItsPlace)
                                             QStringLiteral("-f lavfi -i testsrc=size=160x120:rate=25 -itsoffset 0.5 "
                                                            "-f lavfi -i sine=f=440:r=48000 -t 3 -c:v mpeg4 -ac 2 -c:a ac3"));
     const QString output = dir.path() + QStringLiteral("/late.ac3");
-    QString log;
-    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -aid 0 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=192 -channels 2 "
-                                      "-srate 48000 -of rawaudio -o \"%2\"").arg(mkv, output),
-                       &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(mencoder(QStringLiteral("\"%1\" -aid 0 -ovc copy -oac lavc -lavcopts acodec=ac3:abitrate=192 -channels 2 "
+                                        "-srate 48000 -of rawaudio -o \"%2\"")
+                             .arg(mkv, output)));
     QString silence;
     testsupport::run(QStringLiteral("ffmpeg -hide_banner -nostdin -i '%1' -af 'pan=mono|c0=FL,silencedetect=n=-50dB:d=0.1' "
                                     "-f null - 2>&1 | grep -o 'silence_end: [0-9.]*'").arg(output),
@@ -224,11 +202,10 @@ TEST_F(MencoderFrontTest, OtherCommandLinesReachMencoderUntouched)
 {
     const QString output = dir.path() + QStringLiteral("/stereo.avi.avi");
     QString log;
-    ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -ovc copy -lavcopts threads=8 -oac mp3lame -srate 48000 -lameopts preset=128 "
-                                      "-o \"%2\"").arg(stereoAvi, output),
-                       &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(mencoder(QStringLiteral("\"%1\" -ovc copy -lavcopts threads=8 -oac mp3lame -srate 48000 -lameopts preset=128 "
+                                        "-o \"%2\"")
+                             .arg(stereoAvi, output),
+                         &log));
     EXPECT_TRUE(log.startsWith(QStringLiteral("MEncoder"))) << log.toStdString();
     EXPECT_EQ(testsupport::mediaInfo(output, QStringLiteral("Audio"), QStringLiteral("Format")), QStringLiteral("MPEG Audio"));
     EXPECT_EQ(standin::integer(output, QStringLiteral("Audio"), QStringLiteral("SamplingRate")), 48000);
@@ -251,7 +228,7 @@ TEST_F(MencoderFrontTest, BadAudioRequestsFailBeforeMencoderRuns)
     };
     for (const QString &command : commands) {
         QString log;
-        EXPECT_NE(mencoder(command, &log), 0) << command.toStdString();
+        EXPECT_FALSE(mencoder(command, &log)) << command.toStdString();
         EXPECT_FALSE(log.contains(QStringLiteral("MEncoder"))) << log.toStdString();
         expectFiles({QStringLiteral("noise.ac3")});
     }
@@ -263,14 +240,12 @@ TEST_F(MencoderFrontTest, TwoPassEncodeKeepsThePassOptions)
     const QString passLog = dir.path() + QStringLiteral("/pass.log");
     for (const QString &pass : {QStringLiteral("vpass=1:turbo"), QStringLiteral("vpass=2")}) {
         QString log;
-        ASSERT_EQ(mencoder(QStringLiteral("\"%1\" -vf harddup -ovc lavc -ffourcc xvid -lavcopts "
-                                          "threads=8:vcodec=mpeg4:autoaspect:vbitrate=300:%2 -passlogfile \"%3\" "
-                                          "-oac lavc -lavcopts acodec=ac3:abitrate=384 -channels 6 %4 -srate 48000 -aid 1 "
-                                          "-noautoexpand -o \"%5\"")
-                               .arg(centreAvi, pass, passLog, kIdentityPan, output),
-                           &log),
-                  0)
-            << log.toStdString();
+        ASSERT_TRUE(mencoder(QStringLiteral("\"%1\" -vf harddup -ovc lavc -ffourcc xvid -lavcopts "
+                                            "threads=8:vcodec=mpeg4:autoaspect:vbitrate=300:%2 -passlogfile \"%3\" "
+                                            "-oac lavc -lavcopts acodec=ac3:abitrate=384 -channels 6 %4 -srate 48000 -aid 1 "
+                                            "-noautoexpand -o \"%5\"")
+                                 .arg(centreAvi, pass, passLog, kIdentityPan, output),
+                             &log));
         EXPECT_TRUE(log.contains(QStringLiteral("-passlogfile"))) << log.toStdString();
     }
     EXPECT_GT(QFileInfo(passLog).size(), 0);

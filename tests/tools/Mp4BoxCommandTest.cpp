@@ -218,19 +218,6 @@ TEST(Mp4BoxCommandTest, FrameRatesAndLanguages)
     EXPECT_THROW(isoLanguageCode("e1"), UsageError);
 }
 
-TEST(Mp4BoxCommandTest, ExtractedTracksAreNamedAsKestranePredicts)
-{
-    EXPECT_EQ(rawTrackName("/v/movie.mp4", 1, "h264"), "/v/movie_track1.h264");
-    EXPECT_EQ(rawTrackName("/v/clip.mkv.mp4", 2, "aac"), "/v/clip.mkv_track2.aac");
-    // The short name is cut at ".mp4" in lower case, which "Movie.MP4" lacks.
-    EXPECT_EQ(rawTrackName("/v/Movie.MP4", 2, "ac3"), "/v/Movie.MP4_track2.ac3");
-    EXPECT_EQ(srtTrackName("/v/movie.m4v", 3), "/v/movie_3_text.srt");
-    EXPECT_EQ(srtTrackName("movie.mp4", 3), "movie_3_text.srt");
-
-    EXPECT_EQ(sizePieceName("/v/my.movie.mp4", 2), "/v/my.movie_002.mp4");
-    EXPECT_EQ(rangePieceName("/v/movie.m4v", {10.5, 20}), "/v/movie_10_20.m4v");
-}
-
 TEST(Mp4BoxCommandTest, PresentationOrderFollowsPictureOrderCounts)
 {
     // As x264 stores I P B b b with a B-pyramid (counts as the H.264 parser

@@ -15,13 +15,9 @@ namespace mp4boxtest {
 inline const QString kMp4Box = QStringLiteral("mp4boxUpdated/MP4box");
 
 // Runs the MP4Box stand-in through the resource folder, as Kestrane does.
-inline int mp4box(const QString &arguments, QString *log = nullptr)
+inline testing::AssertionResult mp4box(const QString &arguments, QString *log = nullptr)
 {
-    QString output;
-    const int status = standin::runTool(kMp4Box, arguments, &output);
-    if (log)
-        *log = output;
-    return status;
+    return standin::runs(kMp4Box, arguments, log);
 }
 
 inline int videoPackets(const QString &path)

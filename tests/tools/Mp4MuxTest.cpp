@@ -66,15 +66,14 @@ TEST_F(Mp4MuxTest, MuxingLineGivesEachTrackItsLanguageTitleGroupAndAspect)
     // track, a title holding a colon, an empty element, -tmp.
     const QString output = target(QStringLiteral("clip.mkv.m4v"));
     QString log;
-    ASSERT_EQ(mp4box(QStringLiteral("-add \"%1\":lang=en:name='Video Track' -add \"%2\":lang=de:name='Main':group=1 "
-                                    "-add \"%3\":lang=un:name='Commentary: Director':group=1:disable "
-                                    "-add \"%4\":name='Subtitle Track' -par 1=1185:1000 -keepall -new  -fps 23.976 -isma "
-                                    "-inter 500 -tmp \"%5\" \"%6\"")
-                         .arg(source(QStringLiteral("clip.h264")), source(QStringLiteral("main.aac")),
-                              source(QStringLiteral("surround.ac3")), source(QStringLiteral("dumpsub.srt")), out.path(), output),
-                     &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(
+        mp4box(QStringLiteral("-add \"%1\":lang=en:name='Video Track' -add \"%2\":lang=de:name='Main':group=1 "
+                              "-add \"%3\":lang=un:name='Commentary: Director':group=1:disable "
+                              "-add \"%4\":name='Subtitle Track' -par 1=1185:1000 -keepall -new  -fps 23.976 -isma "
+                              "-inter 500 -tmp \"%5\" \"%6\"")
+                   .arg(source(QStringLiteral("clip.h264")), source(QStringLiteral("main.aac")),
+                        source(QStringLiteral("surround.ac3")), source(QStringLiteral("dumpsub.srt")), out.path(), output),
+               &log));
 
     EXPECT_EQ(standin::filesIn(out.path()), QStringList{QStringLiteral("clip.mkv.m4v")});
     EXPECT_EQ(standin::everyTrack(output, QStringLiteral("Video"), QStringLiteral("Format")), QStringLiteral("AVC|"));
@@ -109,13 +108,10 @@ TEST_F(Mp4MuxTest, AddingWithoutNewUpdatesTheFileAndKeepsItsTracks)
     ASSERT_TRUE(QFile::copy(source(QStringLiteral("film.mp4")), film));
     const QString french = target(QStringLiteral("french.srt"));
     ASSERT_TRUE(QFile::copy(source(QStringLiteral("dumpsub.srt")), french));
-    QString log;
-    ASSERT_EQ(mp4box(QStringLiteral("-add \"%1\":lang=fr:name='French':group=2 -add \"%2\":lang=de:name='German':group=2:disable  "
-                                    "-keepall -fps 25 -isma -inter 500 \"%3\"")
-                         .arg(french, source(QStringLiteral("dumpsub.srt")), film),
-                     &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(
+        mp4box(QStringLiteral("-add \"%1\":lang=fr:name='French':group=2 -add \"%2\":lang=de:name='German':group=2:disable  "
+                              "-keepall -fps 25 -isma -inter 500 \"%3\"")
+                   .arg(french, source(QStringLiteral("dumpsub.srt")), film)));
 
     EXPECT_EQ(standin::filesIn(out.path()), (QStringList{QStringLiteral("film.mp4"), QStringLiteral("french.srt")}));
     EXPECT_EQ(standin::everyTrack(film, QStringLiteral("Text"), QStringLiteral("Title")), QStringLiteral("French|German|"));
@@ -130,11 +126,8 @@ TEST_F(Mp4MuxTest, PixelAspectEditAndMpeg4VideoForAnIpod)
 {
     // The PAR editor single-quotes the path and puts ":par=" right after it.
     const QString edited = target(QStringLiteral("film.mp4.newpar.mp4"));
-    QString log;
-    ASSERT_EQ(mp4box(QStringLiteral("-add '%1':par=1212:1000 -isma -inter 500 -new \"%2\"").arg(source(QStringLiteral("film.mp4")), edited),
-                     &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(mp4box(
+        QStringLiteral("-add '%1':par=1212:1000 -isma -inter 500 -new \"%2\"").arg(source(QStringLiteral("film.mp4")), edited)));
     EXPECT_EQ(testsupport::mediaInfo(edited, QStringLiteral("Video"), QStringLiteral("PixelAspectRatio")), QStringLiteral("1.212"));
     EXPECT_EQ(standin::integer(edited, QStringLiteral("General"), QStringLiteral("AudioCount")), 1);
     // The H.264 stream itself says so too, so players that read only it agree.
@@ -145,10 +138,8 @@ TEST_F(Mp4MuxTest, PixelAspectEditAndMpeg4VideoForAnIpod)
 
     // MPEG-4 video as MEncoder writes it: an AVI with B-frames.
     const QString ipod = target(QStringLiteral("movie.avi.m4v"));
-    ASSERT_EQ(mp4box(QStringLiteral("-add \"%1\" -keepall -new -ipod -fps 25 -isma -inter 500 \"%2\"").arg(source(QStringLiteral("movie.avi")), ipod),
-                     &log),
-              0)
-        << log.toStdString();
+    ASSERT_TRUE(mp4box(QStringLiteral("-add \"%1\" -keepall -new -ipod -fps 25 -isma -inter 500 \"%2\"")
+                           .arg(source(QStringLiteral("movie.avi")), ipod)));
     EXPECT_EQ(testsupport::mediaInfo(ipod, QStringLiteral("General"), QStringLiteral("CodecID")), QStringLiteral("M4V"));
     EXPECT_EQ(testsupport::mediaInfo(ipod, QStringLiteral("Video"), QStringLiteral("Format")), QStringLiteral("MPEG-4 Visual"));
     const QList<qint64> times = shownTimes(ipod);
@@ -188,7 +179,7 @@ TEST_F(Mp4MuxTest, RefusesWhatItCannotDoAndWritesNothing)
     };
     for (const auto &bad : cases) {
         QString log;
-        EXPECT_NE(mp4box(bad.arguments, &log), 0) << bad.arguments.toStdString();
+        EXPECT_FALSE(mp4box(bad.arguments, &log)) << bad.arguments.toStdString();
         EXPECT_TRUE(log.contains(bad.message)) << bad.arguments.toStdString() << "\n" << log.toStdString();
         EXPECT_EQ(standin::filesIn(out.path()), before) << bad.arguments.toStdString();
     }

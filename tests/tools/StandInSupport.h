@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <gtest/gtest.h>
+
 // Runs the tool stand-ins through the resource folder, as Kestrane does.
 namespace standin {
 
@@ -17,6 +19,16 @@ inline QString toolPath(const QString &name)
 inline int runTool(const QString &name, const QString &arguments, QString *output = nullptr)
 {
     return testsupport::run(QStringLiteral("\"%1\" %2").arg(toolPath(name), arguments), output);
+}
+
+// As an assertion: the tool exited with 0; a failure shows what it wrote.
+inline testing::AssertionResult runs(const QString &name, const QString &arguments, QString *output = nullptr)
+{
+    QString log;
+    const bool ok = runTool(name, arguments, &log) == 0;
+    if (output)
+        *output = log;
+    return ok ? testing::AssertionSuccess() : testing::AssertionFailure() << log.toStdString();
 }
 
 using testsupport::checksum;
