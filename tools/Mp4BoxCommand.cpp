@@ -145,14 +145,14 @@ private:
     TrackImport &import;
 };
 
-std::vector<std::size_t> cutPoints(const std::string &spec)
+std::vector<std::size_t> cutPoints(const std::string &importText)
 {
     std::vector<std::size_t> cuts;
-    for (std::size_t i = 1; i < spec.size(); ++i) {
-        if (spec[i] == '#' || spec[i] == ':')
+    for (std::size_t i = 1; i < importText.size(); ++i) {
+        if (importText[i] == '#' || importText[i] == ':')
             cuts.push_back(i);
     }
-    cuts.push_back(spec.size());
+    cuts.push_back(importText.size());
     return cuts;
 }
 
@@ -267,26 +267,26 @@ void applyOption(Mp4BoxCommand &command, const std::string &option, const std::s
 
 } // namespace
 
-TrackImport parseTrackImport(const std::string &spec, const FileTest &isFile)
+TrackImport parseTrackImport(const std::string &importText, const FileTest &isFile)
 {
-    const std::vector<std::size_t> cuts = cutPoints(spec);
+    const std::vector<std::size_t> cuts = cutPoints(importText);
     for (auto cut = cuts.rbegin(); cut != cuts.rend(); ++cut) {
         TrackImport import;
-        import.file = spec.substr(0, *cut);
+        import.file = importText.substr(0, *cut);
         if (!isFile(import.file))
             continue;
         try {
-            TrackOptionReader(import).read(spec.substr(*cut), true);
+            TrackOptionReader(import).read(importText.substr(*cut), true);
         } catch (const UsageError &error) {
-            throw UsageError("-add " + spec + ": " + error.what());
+            throw UsageError("-add " + importText + ": " + error.what());
         }
         return import;
     }
     // Name the file as the options would leave it.
-    std::string file = spec;
+    std::string file = importText;
     for (const std::size_t cut : cuts) {
-        if (cut < spec.size() && TrackOptionReader::reads(spec.substr(cut), true)) {
-            file = spec.substr(0, cut);
+        if (cut < importText.size() && TrackOptionReader::reads(importText.substr(cut), true)) {
+            file = importText.substr(0, cut);
             break;
         }
     }

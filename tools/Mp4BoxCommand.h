@@ -74,7 +74,7 @@ Mp4BoxCommand parseMp4BoxCommand(const std::vector<std::string> &arguments, cons
 // as it arrives after the shell has taken the quotes away. The file is the
 // longest leading part that `isFile` accepts, so names holding ":" or "#"
 // work; a title may hold ":" too. Throws a ToolError when no file is found.
-TrackImport parseTrackImport(const std::string &spec, const FileTest &isFile);
+TrackImport parseTrackImport(const std::string &importText, const FileTest &isFile);
 
 // The ISO 639-2 code for a two- or three-letter language code ("en" gives
 // "eng"). Throws a UsageError for a code no language has.

@@ -123,7 +123,7 @@ TEST(Mp4BoxCommandTest, BadTrackOptionsAndMissingFilesAreNamed)
     const auto files = filesAre({"/v/a.aac"});
     const struct
     {
-        std::string spec;
+        std::string importText;
         std::string message;
     } cases[] = {
         {"/v/a.aac:delay=200", "unknown track option \"delay=200\""},
@@ -135,8 +135,8 @@ TEST(Mp4BoxCommandTest, BadTrackOptionsAndMissingFilesAreNamed)
     };
     for (const auto &bad : cases) {
         try {
-            parseTrackImport(bad.spec, files);
-            ADD_FAILURE() << bad.spec << " was accepted";
+            parseTrackImport(bad.importText, files);
+            ADD_FAILURE() << bad.importText << " was accepted";
         } catch (const ToolError &error) {
             EXPECT_NE(std::string(error.what()).find(bad.message), std::string::npos) << error.what();
         }
