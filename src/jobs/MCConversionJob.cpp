@@ -1,7 +1,9 @@
 #include "MCConversionJob.h"
 
+#include "MCMencoderAudio.h"
 #include "MCMencoderVideo.h"
 #include "MCMkvMuxer.h"
+#include "MCWords.h"
 
 #include <QFileInfo>
 #include <QTimer>
@@ -85,4 +87,21 @@ bool MCConversionJob::startTrackSteps(const QString &refusal, const std::functio
         track->trackMkvmergeID = QStringLiteral("0");
     }
     return true;
+}
+
+MCConverterPtr MCConversionJob::encodingStepFor(int i)
+{
+    const MCVideoTrackPtr &track = theTracks.at(i);
+    MCConverterPtr step;
+    if (track->trackType == MCWords::trackVideo) {
+        // Its selection holds the video track alone (see startTrackSteps).
+        step = std::make_shared<MCMencoderVideo>();
+        step->inititializeForTrack(0, QStringLiteral("Converting Video"), false);
+    } else {
+        step = std::make_shared<MCMencoderAudio>();
+        step->inititializeForTrack(i, QStringLiteral("Converting Audio"), false);
+    }
+    track->muxingTrackCodec = track->userCodec;
+    track->wasReEncoded = true;
+    return step;
 }

@@ -29,4 +29,7 @@ protected:
     // entry i always belongs to track i) and points each prepared track at
     // its step's output. Answers false when refused.
     bool startTrackSteps(const QString &refusal, const std::function<MCConverterPtr(int)> &stepForTrack);
+    // The MEncoder step that re-encodes track i as the user asked; the
+    // track is then muxed as what it became.
+    MCConverterPtr encodingStepFor(int i);
 };

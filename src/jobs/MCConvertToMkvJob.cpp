@@ -1,8 +1,6 @@
 #include "MCConvertToMkvJob.h"
 
 #include "MCJobFactory.h"
-#include "MCMencoderAudio.h"
-#include "MCMencoderVideo.h"
 #include "MCMkvJobChecks.h"
 
 #include <QFileInfo>
@@ -12,7 +10,6 @@ namespace {
 
 constexpr int kMonitorDelayMs = 100;
 
-const QString kVideo = QStringLiteral("Video");
 
 bool isSubtitle(const MCVideoTrack &track)
 {
@@ -44,18 +41,7 @@ MCConverterPtr MCConvertToMkvJob::stepForTrack(int i)
     const QString codec = track->userCodec.toLower();
     if (isSubtitle(*track) || codec == QStringLiteral("passthru"))
         return nullptr;
-    MCConverterPtr step;
-    if (track->trackType == kVideo) {
-        // Its selection holds the video track alone (see startTrackSteps).
-        step = std::make_shared<MCMencoderVideo>();
-        step->inititializeForTrack(0, QStringLiteral("Converting Video"), false);
-    } else {
-        step = std::make_shared<MCMencoderAudio>();
-        step->inititializeForTrack(i, QStringLiteral("Converting Audio"), false);
-    }
-    track->muxingTrackCodec = track->userCodec;
-    track->wasReEncoded = true;
-    return step;
+    return encodingStepFor(i);
 }
 
 void MCConvertToMkvJob::monitorStartJob()

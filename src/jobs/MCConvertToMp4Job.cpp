@@ -1,8 +1,6 @@
 #include "MCConvertToMp4Job.h"
 
 #include "MCJobFactory.h"
-#include "MCMencoderAudio.h"
-#include "MCMencoderVideo.h"
 #include "MCMkvExtractor.h"
 #include "MCMp4Muxer.h"
 #include "MCMp4TabRules.h"
@@ -95,20 +93,9 @@ MCConverterPtr MCConvertToMp4Job::stepForTrack(int i)
     if (!video && !audio)
         return nullptr;
     const QString kind = video ? QStringLiteral("Video") : QStringLiteral("Audio");
+    if (codec != kPassthru)
+        return encodingStepFor(i);
     MCConverterPtr step;
-    if (codec != kPassthru) {
-        if (video) {
-            // Its selection holds the video track alone (see startTrackSteps).
-            step = std::make_shared<MCMencoderVideo>();
-            step->inititializeForTrack(0, QStringLiteral("Converting Video"), false);
-        } else {
-            step = std::make_shared<MCMencoderAudio>();
-            step->inititializeForTrack(i, QStringLiteral("Converting Audio"), false);
-        }
-        track->muxingTrackCodec = track->userCodec;
-        track->wasReEncoded = true;
-        return step;
-    }
     const QStringList usable = video ? QStringList{QStringLiteral("mp4"), QStringLiteral("m4v"), QStringLiteral("h264")}
                                      : QStringList{QStringLiteral("mp4"), QStringLiteral("m4v"), QStringLiteral("aac"),
                                                    QStringLiteral("ac3")};
