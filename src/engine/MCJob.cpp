@@ -41,6 +41,11 @@ QString folderOf(const QUrl &file)
     return path.isEmpty() ? QString() : QFileInfo(path).absolutePath();
 }
 
+void announceOwnFile(const QString &path)
+{
+    MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted, QUrl::fromLocalFile(path));
+}
+
 } // namespace
 
 MCJob::MCJob(QObject *parent)
@@ -449,8 +454,7 @@ void MCJob::publishResults(bool replacing)
                 return;
             }
             // A watched folder must not take the result up as a new movie.
-            MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted,
-                                                       QUrl::fromLocalFile(finalPath));
+            announceOwnFile(finalPath);
             published << finalPath;
         }
     }
@@ -564,22 +568,10 @@ void MCJob::jobDone()
     if (!(appPreferences && appPreferences->keepLogsFlag)) {
         removeFiles(logFilesToDeleteList);
         removeFiles(tempFilesToDeleteList);
-    } else if (m_staging.exists()) {
-        // Kept logs and intermediates leave the private folder with the job;
-        // links to a source that a tool read through stay behind.
-        const QFileInfoList kept = QDir(m_staging.path()).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
-        QSet<QString> keptLogs;
-        for (const QString &log : std::as_const(logFilesToDeleteList))
-            keptLogs.insert(QFileInfo(log).absoluteFilePath());
-        for (const QFileInfo &file : kept) {
-            if (keepsOnlyLogs && !keptLogs.contains(file.absoluteFilePath()))
-                continue;
-            const QString published = m_staging.publish(file.absoluteFilePath());
-            // A watched folder must not take a kept stream up as a new movie.
-            if (!published.isEmpty())
-                MCNotificationCenter::defaultCenter().post(MCNotificationName::conversionStarted,
-                                                           QUrl::fromLocalFile(published));
-        }
+    } else {
+        // A watched folder must not take a kept stream up as a new movie.
+        for (const QString &kept : m_staging.publishKept(logFilesToDeleteList, keepsOnlyLogs))
+            announceOwnFile(kept);
     }
     m_staging.remove();
     QVariantList emptyRows;

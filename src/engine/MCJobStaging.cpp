@@ -1,5 +1,6 @@
 #include "MCJobStaging.h"
 
+#include <QSet>
 #include <QDir>
 #include <QFileInfo>
 
@@ -117,4 +118,22 @@ void MCJobStaging::remove()
         return;
     QDir(m_path).removeRecursively();
     m_path.clear();
+}
+
+QStringList MCJobStaging::publishKept(const QStringList &logs, bool logsOnly)
+{
+    if (!exists())
+        return {};
+    QSet<QString> keptLogs;
+    for (const QString &log : logs)
+        keptLogs.insert(QFileInfo(log).absoluteFilePath());
+    QStringList published;
+    const QFileInfoList kept = QDir(m_path).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    for (const QFileInfo &file : kept) {
+        if (logsOnly && !keptLogs.contains(file.absoluteFilePath()))
+            continue;
+        if (const QString name = publish(file.absoluteFilePath()); !name.isEmpty())
+            published << name;
+    }
+    return published;
 }

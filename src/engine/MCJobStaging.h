@@ -34,6 +34,10 @@ public:
     QString publishReplacing(const QString &file, const QStringList &protectedFiles);
     // Whether a file of this folder would not get its own name in the save folder.
     bool nameIsTaken(const QString &file) const;
+    // What "keep logs" keeps when the job ends: every file left in the
+    // folder, or only the given logs, moved out; links to a source that a
+    // tool read through stay behind. Answers the names they now have.
+    QStringList publishKept(const QStringList &logs, bool logsOnly);
     // Removes the folder and all it holds.
     void remove();
 
