@@ -125,7 +125,7 @@ inline QStringList described(const QString &path, const QString &inform)
     return out.split(u'\n', Qt::SkipEmptyParts);
 }
 
-inline double durationMs(const QString &path)
+inline double playingMs(const QString &path)
 {
     return testsupport::mediaInfo(path, u"General"_s, u"Duration"_s).toDouble();
 }
