@@ -19,38 +19,21 @@
 #include <QTimer>
 #include <QEventLoop>
 
-namespace {
+using namespace Qt::StringLiterals;
 
-QString mediaDir()
-{
-    static QTemporaryDir dir;
-    return dir.path();
-}
+namespace {
 
 QString writeFile(const QString &name, const QByteArray &bytes)
 {
-    const QString path = mediaDir() + QLatin1Char('/') + name;
-    QFile file(path);
+    QFile file(appMedia(name));
     file.open(QIODevice::WriteOnly);
     file.write(bytes);
-    return path;
+    return file.fileName();
 }
 
-QString clip(const QString &name, const QString &codecs, int seconds = 2, const QString &size = QStringLiteral("160x120"))
+QString avi(const QString &name = u"clip.avi"_s)
 {
-    const QString path = mediaDir() + QLatin1Char('/') + name;
-    if (QFile::exists(path))
-        return path;
-    return testsupport::ffmpeg(mediaDir(), name,
-                               QStringLiteral("-f lavfi -i testsrc2=s=%1:r=25:d=%2 -f lavfi -i sine=d=%2:r=48000 -ac 2 %3")
-                                   .arg(size)
-                                   .arg(seconds)
-                                   .arg(codecs));
-}
-
-QString avi(const QString &name = QStringLiteral("clip.avi"))
-{
-    return clip(name, QStringLiteral("-c:v mpeg4 -c:a ac3"));
+    return appClip(name);
 }
 
 QUrl url(const QString &path)
@@ -84,7 +67,7 @@ protected:
     {
         QStringList texts;
         for (const MCAlert &alert : alerts->alerts)
-            texts << alert.message + QStringLiteral(" / ") + alert.informativeText;
+            texts << alert.message + u" / "_s + alert.informativeText;
         return texts;
     }
 
@@ -96,58 +79,51 @@ protected:
 
 } // namespace
 
-TEST_F(AppDelegateTest, StartsWithTheDropTextOnTheConversionTab)
-{
-    EXPECT_EQ(app->fileTextField(), QStringLiteral("Drop Video File(s) in the Table Below"));
-    EXPECT_EQ(app->selectionController->currentTab(), QStringLiteral("AVI"));
-    EXPECT_EQ(MCPreferences::applicationPreferences(), app->appPreferences);
-}
-
 TEST_F(AppDelegateTest, ConversionTabIntakeAlertsAndKeepsTheLoadedFile)
 {
-    const QString notes = writeFile(QStringLiteral("notes.txt"), "just text\n");
-    open(QStringLiteral("AVI"), QStringLiteral("open"), {notes});
-    open(QStringLiteral("AVI"), QStringLiteral("open"), {avi()});
+    const QString notes = writeFile(u"notes.txt"_s, "just text\n");
+    open(u"AVI"_s, u"open"_s, {notes});
+    open(u"AVI"_s, u"open"_s, {avi()});
     EXPECT_EQ(app->fileTextField(), avi());
-    open(QStringLiteral("AVI"), QStringLiteral("drag"), {notes});
-    open(QStringLiteral("AVI"), QStringLiteral("add"), {clip(QStringLiteral("other.mkv"), QStringLiteral("-c:v libx264 -c:a aac"))});
-    open(QStringLiteral("AVI"), QStringLiteral("drag"), {writeFile(QStringLiteral("broken.sup"), "garbage")});
+    open(u"AVI"_s, u"drag"_s, {notes});
+    open(u"AVI"_s, u"add"_s, {appClip(u"other.mkv"_s, u"-c:v libx264 -c:a aac"_s)});
+    open(u"AVI"_s, u"drag"_s, {writeFile(u"broken.sup"_s, "garbage")});
     EXPECT_EQ(alertTexts(), (QStringList{
-                                QStringLiteral("Error Opening: notes.txt / Kestrane could not identify this file as a video!!!!!!!!!."),
-                                QStringLiteral("Error Opening: notes.txt / Kestrane can't open this file."),
-                                QStringLiteral("Error Opening: other.mkv / Kestrane can't add the track from this file."),
-                                QStringLiteral("Error Opening: broken.sup / Kestrane can't add this track to the current video."),
+                                u"Error Opening: notes.txt / Kestrane could not identify this file as a video!!!!!!!!!."_s,
+                                u"Error Opening: notes.txt / Kestrane can't open this file."_s,
+                                u"Error Opening: other.mkv / Kestrane can't add the track from this file."_s,
+                                u"Error Opening: broken.sup / Kestrane can't add this track to the current video."_s,
                             }));
     EXPECT_DOUBLE_EQ(alerts->alerts.first().timeoutSeconds, 5.0);
     EXPECT_EQ(app->currentVideoFile->theFilePath, avi());
     EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
 
     // A dropped subtitle becomes a track of the loaded file; watched, it is ignored.
-    const QString srt = writeFile(QStringLiteral("good.srt"), "1\n00:00:00,000 --> 00:00:01,000\nHi\n\n");
-    open(QStringLiteral("AVI"), QStringLiteral("watch"), {srt});
+    const QString srt = writeFile(u"good.srt"_s, "1\n00:00:00,000 --> 00:00:01,000\nHi\n\n");
+    open(u"AVI"_s, u"watch"_s, {srt});
     EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
-    open(QStringLiteral("AVI"), QStringLiteral("drag"), {srt});
+    open(u"AVI"_s, u"drag"_s, {srt});
     ASSERT_EQ(app->currentVideoFile->trackList.size(), 3);
-    EXPECT_EQ(app->currentVideoFile->trackList.last()->trackType, QStringLiteral("External Subtitle"));
+    EXPECT_EQ(app->currentVideoFile->trackList.last()->trackType, u"External Subtitle"_s);
     EXPECT_TRUE(queued.isEmpty());
 }
 
 TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
 {
     // A video whose picture Kestrane cannot identify.
-    const QString unknown = clip(QStringLiteral("unknown.mkv"), QStringLiteral("-c:v ffv1 -c:a ac3"));
-    open(QStringLiteral("AVI"), QStringLiteral("open"), {avi()});
-    app->setOpeningFileMode(QStringLiteral("watch"));
+    const QString unknown = appClip(u"unknown.mkv"_s, u"-c:v ffv1 -c:a ac3"_s);
+    open(u"AVI"_s, u"open"_s, {avi()});
+    app->setOpeningFileMode(u"watch"_s);
     EXPECT_EQ(app->testNewFileURL(url(unknown), false), QString());
     EXPECT_EQ(app->currentVideoFile->theFilePath, avi());
     // The watch folder's hub starts nothing for it.
-    open(QStringLiteral("AVI"), QStringLiteral("watch"), {unknown});
+    open(u"AVI"_s, u"watch"_s, {unknown});
     EXPECT_FALSE(testsupport::waitUntil([&] { return !queued.isEmpty(); }, 2500));
     // A batch whose first file fails queues only the files that load.
-    const QString second = avi(QStringLiteral("second.avi"));
+    const QString second = avi(u"second.avi"_s);
     app->presetsController->setSelectionMethodIndex(1);
     app->presetsController->setSettingMethodIndex(2);
-    open(QStringLiteral("AVI"), QStringLiteral("drag"), {unknown, second});
+    open(u"AVI"_s, u"drag"_s, {unknown, second});
     app->startJob();
     ASSERT_TRUE(testsupport::waitUntil([&] { return !queued.isEmpty(); }, 3000)) << alertTexts().join(u'\n').toStdString();
     testsupport::waitUntil([] { return false; }, 300);
@@ -157,53 +133,53 @@ TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
 
 TEST_F(AppDelegateTest, EditTabsTakeOnlyAviMkvAndMp4Files)
 {
-    const QString notes = writeFile(QStringLiteral("list.txt"), "text\n");
-    open(QStringLiteral("Edit Files"), QStringLiteral("drag"), {avi(), notes, avi(QStringLiteral("second.avi"))});
-    EXPECT_EQ(app->editFilesPathsArray(), (QStringList{avi(), avi(QStringLiteral("second.avi"))}));
+    const QString notes = writeFile(u"list.txt"_s, "text\n");
+    open(u"Edit Files"_s, u"drag"_s, {avi(), notes, avi(u"second.avi"_s)});
+    EXPECT_EQ(app->editFilesPathsArray(), (QStringList{avi(), avi(u"second.avi"_s)}));
     EXPECT_EQ(app->currentSelection->editFilesURLsList.size(), 2);
-    open(QStringLiteral("Edit Files"), QStringLiteral("add"), {notes});
+    open(u"Edit Files"_s, u"add"_s, {notes});
     EXPECT_EQ(app->editFilesPathsArray().size(), 2);
 
-    const QString mov = clip(QStringLiteral("tracks.mov"), QStringLiteral("-c:v libx264 -c:a aac"));
-    open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {mov});
+    const QString mov = appClip(u"tracks.mov"_s, u"-c:v libx264 -c:a aac"_s);
+    open(u"Edit Tracks"_s, u"open"_s, {mov});
     EXPECT_EQ(alertTexts(), (QStringList{
-                                QStringLiteral("Error Opening: list.txt / Kestrane can only edit AVI, MKV and MP4 files."),
-                                QStringLiteral("Error Opening: list.txt / Kestrane can't add the track from this file."),
-                                QStringLiteral("Error Opening: tracks.mov / Kestrane can only edit the tracks of AVI, MKV and MP4 files."),
+                                u"Error Opening: list.txt / Kestrane can only edit AVI, MKV and MP4 files."_s,
+                                u"Error Opening: list.txt / Kestrane can't add the track from this file."_s,
+                                u"Error Opening: tracks.mov / Kestrane can only edit the tracks of AVI, MKV and MP4 files."_s,
                             }));
     EXPECT_TRUE(app->currentVideoFile->trackList.isEmpty());
     for (const char *name : {"tracks.mkv", "tracks.m4v"}) {
-        const QString file = clip(QString::fromLatin1(name), QStringLiteral("-c:v libx264 -c:a aac"));
-        open(QStringLiteral("Edit Tracks"), QStringLiteral("open"), {file});
+        const QString file = appClip(QString::fromLatin1(name), u"-c:v libx264 -c:a aac"_s);
+        open(u"Edit Tracks"_s, u"open"_s, {file});
         EXPECT_EQ(app->currentVideoFile->trackList.size(), 2) << name;
     }
 }
 
 TEST_F(AppDelegateTest, HeaderRemovalOfferQueuesARemuxOnOk)
 {
-    const QString plain = clip(QStringLiteral("hr-source.avi"), QStringLiteral("-c:v mpeg4 -c:a ac3"));
-    const QString mkv = mediaDir() + QStringLiteral("/header-removal.mkv");
-    ASSERT_EQ(testsupport::run(QStringLiteral("mkvmerge -q -o '%1' --compression 0:mpeg4_p2 '%2'").arg(mkv, plain)), 0);
+    const QString plain = appClip(u"hr-source.avi"_s, u"-c:v mpeg4 -c:a ac3"_s);
+    const QString mkv = appMedia(u"header-removal.mkv"_s);
+    ASSERT_EQ(testsupport::run(u"mkvmerge -q -o '%1' --compression 0:mpeg4_p2 '%2'"_s.arg(mkv, plain)), 0);
     alerts->answer = MCAlertSecondButtonReturn;
-    open(QStringLiteral("AVI"), QStringLiteral("open"), {mkv});
+    open(u"AVI"_s, u"open"_s, {mkv});
     ASSERT_EQ(alerts->alerts.size(), 1);
     const MCAlert offer = alerts->alerts.first();
     EXPECT_EQ(offer.message, QStringLiteral("This video appears to have header removal compression.  This may cause issues "
                                             "when you convert or play the video."));
-    EXPECT_EQ(offer.informativeText, QStringLiteral("Would you like Kestrane to create a copy of this video with this feature turned off."));
-    EXPECT_EQ(offer.buttons, (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
+    EXPECT_EQ(offer.informativeText, u"Would you like Kestrane to create a copy of this video with this feature turned off."_s);
+    EXPECT_EQ(offer.buttons, (QStringList{u"OK"_s, u"Cancel"_s}));
     EXPECT_TRUE(queued.isEmpty());
     alerts->answer = MCAlertFirstButtonReturn;
-    open(QStringLiteral("AVI"), QStringLiteral("open"), {mkv});
+    open(u"AVI"_s, u"open"_s, {mkv});
     ASSERT_EQ(queued.size(), 1);
-    EXPECT_EQ(queued.first()->jobType, QStringLiteral("MKV Remux"));
+    EXPECT_EQ(queued.first()->jobType, u"MKV Remux"_s);
 }
 
 TEST_F(AppDelegateTest, StartChecksTheSaveFolderAndBatchesNeedPresets)
 {
-    const QString second = avi(QStringLiteral("batch-2.avi"));
-    const QString notes = writeFile(QStringLiteral("batch.txt"), "text\n");
-    open(QStringLiteral("AVI"), QStringLiteral("drag"), {avi(), notes, second});
+    const QString second = avi(u"batch-2.avi"_s);
+    const QString notes = writeFile(u"batch.txt"_s, "text\n");
+    open(u"AVI"_s, u"drag"_s, {avi(), notes, second});
     alerts->alerts.clear();
     app->startJob();
     ASSERT_EQ(alerts->alerts.size(), 1);
@@ -228,39 +204,27 @@ TEST_F(AppDelegateTest, StartChecksTheSaveFolderAndBatchesNeedPresets)
     // A missing save folder stops the start before anything is queued, and
     // is called missing: a permission problem would send the user astray.
     queued.clear();
-    app->appPreferences->saveDirectoryURL = url(settingsDir.path() + QStringLiteral("/missing"));
+    app->appPreferences->saveDirectoryURL = url(settingsDir.path() + u"/missing"_s);
     app->startJob();
     ASSERT_EQ(alerts->alerts.size(), 1);
-    EXPECT_EQ(alerts->alerts.first().message, QStringLiteral("The save folder for this job does not exist."));
+    EXPECT_EQ(alerts->alerts.first().message, u"The save folder for this job does not exist."_s);
     EXPECT_EQ(alerts->alerts.first().informativeText,
-              QStringLiteral("Create the folder or change the save location: %1/missing").arg(settingsDir.path()));
+              u"Create the folder or change the save location: %1/missing"_s.arg(settingsDir.path()));
     EXPECT_DOUBLE_EQ(alerts->alerts.first().timeoutSeconds, 10.0);
     testsupport::waitUntil([] { return false; }, 600);
     EXPECT_TRUE(queued.isEmpty());
 }
 
-TEST_F(AppDelegateTest, SaveFileInfoWritesTheFullReportIntoTheSaveFolder)
-{
-    open(QStringLiteral("AVI"), QStringLiteral("open"), {avi()});
-    app->appPreferences->saveDirectoryURL = url(settingsDir.path());
-    app->helpMenuItemSelected(QStringLiteral("Save File Info"));
-    QFile report(settingsDir.path() + QStringLiteral("/clip.avi.info.txt"));
-    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
-    const QByteArray text = report.readAll();
-    EXPECT_TRUE(text.contains("Complete name"));
-    EXPECT_TRUE(text.contains("clip.avi"));
-}
-
 TEST_F(AppDelegateTest, QuitWithARunningJobPausesAndCancelKeepsItPaused)
 {
     app->queueSelection = [this](const MCSelectionPtr &selection) { app->queueController->addToQueue(selection); };
-    const QString longer = clip(QStringLiteral("quit.mkv"), QStringLiteral("-c:v libx264 -preset ultrafast -c:a aac"), 60,
-                                QStringLiteral("640x480"));
+    const QString longer = appClip(u"quit.mkv"_s, u"-c:v libx264 -preset ultrafast -c:a aac"_s, 60,
+                                u"640x480"_s);
     app->appPreferences->saveDirectoryURL = url(settingsDir.path());
     app->presetsController->setSelectionMethodIndex(1);
-    open(QStringLiteral("AVI"), QStringLiteral("open"), {longer});
+    open(u"AVI"_s, u"open"_s, {longer});
     app->selectionController->setVideoMatrixIndex(2);
-    app->selectionController->setEnteredUserVideoBitRate(QStringLiteral("800"));
+    app->selectionController->setEnteredUserVideoBitRate(u"800"_s);
     app->selectionController->updateTabs();
     app->startJob();
     MCQueueController *queue = app->queueController;
@@ -272,9 +236,9 @@ TEST_F(AppDelegateTest, QuitWithARunningJobPausesAndCancelKeepsItPaused)
     app->applicationShouldTerminate([&](bool answer) { quit = answer; });
     ASSERT_TRUE(quit.has_value());
     EXPECT_FALSE(*quit);
-    EXPECT_EQ(alerts->alerts.last().message, QStringLiteral("Videos are still being processed.  Quit anyways?"));
+    EXPECT_EQ(alerts->alerts.last().message, u"Videos are still being processed.  Quit anyways?"_s);
     QString state;
-    testsupport::run(QStringLiteral("ps -o stat= -p %1").arg(pid), &state);
+    testsupport::run(u"ps -o stat= -p %1"_s.arg(pid), &state);
     EXPECT_TRUE(state.trimmed().startsWith(QLatin1Char('T'))) << state.toStdString();
     EXPECT_TRUE(queue->qJobIsRunning());
 
@@ -295,13 +259,13 @@ public:
     explicit CountingMediainfo(int delaySeconds = 0)
         : m_real(qgetenv("KESTRANE_RESOURCES"))
     {
-        testsupport::resourcesWithout(m_resources.path(), QStringLiteral("mediainfo"));
-        QFile counting(m_resources.filePath(QStringLiteral("mediainfo")));
+        testsupport::resourcesWithout(m_resources.path(), u"mediainfo"_s);
+        QFile counting(m_resources.filePath(u"mediainfo"_s));
         counting.open(QIODevice::WriteOnly);
-        counting.write(QStringLiteral("#!/bin/sh\nsleep %1\necho run >> '%2'\nexec '%3' \"$@\"\n")
+        counting.write(u"#!/bin/sh\nsleep %1\necho run >> '%2'\nexec '%3' \"$@\"\n"_s
                            .arg(delaySeconds)
-                           .arg(m_resources.filePath(QStringLiteral("runs")),
-                                QDir(QString::fromUtf8(m_real)).filePath(QStringLiteral("mediainfo")))
+                           .arg(m_resources.filePath(u"runs"_s),
+                                QDir(QString::fromUtf8(m_real)).filePath(u"mediainfo"_s))
                            .toUtf8());
         counting.close();
         counting.setPermissions(counting.permissions() | QFileDevice::ExeOwner);
@@ -311,7 +275,7 @@ public:
 
     int runs() const
     {
-        QFile runs(m_resources.filePath(QStringLiteral("runs")));
+        QFile runs(m_resources.filePath(u"runs"_s));
         return runs.open(QIODevice::ReadOnly) ? static_cast<int>(runs.readAll().count("run")) : 0;
     }
 
@@ -330,24 +294,23 @@ TEST(AppDelegateIntake, ADroppedFileIsInspectedOnce)
     MCAppDelegate app(settingsWithCopyPreset(settingsDir.path()));
     app.applicationDidFinishLaunching();
     app.queueSelection = [](const MCSelectionPtr &) {};
-    app.openFiles(QStringLiteral("AVI"), {url(avi())});
-    app.openFiles(QStringLiteral("AVI"), {url(avi(QStringLiteral("second.avi")))});
-
-    EXPECT_EQ(app.currentVideoFile->theFilePath, avi(QStringLiteral("second.avi")));
+    app.openFiles(u"AVI"_s, {url(avi())});
+    app.openFiles(u"AVI"_s, {url(avi(u"second.avi"_s))});
+    EXPECT_EQ(app.currentVideoFile->theFilePath, avi(u"second.avi"_s));
     EXPECT_EQ(mediainfo.runs(), 2);
 }
 
 TEST(AppDelegateIntake, TheWindowsIntakeInspectsOffItsThreadOnceAndInTurn)
 {
     const QString first = avi();
-    const QString second = avi(QStringLiteral("second.avi"));
+    const QString second = avi(u"second.avi"_s);
     const CountingMediainfo mediainfo(1);
     QTemporaryDir settingsDir;
     const auto alerts = testsupport::recordAlerts();
     MCAppDelegate app(settingsWithCopyPreset(settingsDir.path()));
     app.applicationDidFinishLaunching();
     app.queueSelection = [](const MCSelectionPtr &) {};
-    app.selectionController->setCurrentTab(QStringLiteral("AVI"));
+    app.selectionController->setCurrentTab(u"AVI"_s);
 
     QList<bool> busy;
     QObject::connect(app.intakeProbe, &MCIntakeProbe::busyChanged, [&busy](bool now) { busy << now; });
@@ -358,8 +321,8 @@ TEST(AppDelegateIntake, TheWindowsIntakeInspectsOffItsThreadOnceAndInTurn)
     QStringList loaded;
     QEventLoop loop;
     // The second drop comes while the first is still being looked at.
-    app.takeInFilesAfterInspection({url(first)}, QStringLiteral("drag"), [&] { loaded << app.currentVideoFile->theFilePath; });
-    app.takeInFilesAfterInspection({url(second)}, QStringLiteral("drag"), [&] {
+    app.takeInFilesAfterInspection({url(first)}, u"drag"_s, [&] { loaded << app.currentVideoFile->theFilePath; });
+    app.takeInFilesAfterInspection({url(second)}, u"drag"_s, [&] {
         loaded << app.currentVideoFile->theFilePath;
         loop.quit();
     });

@@ -12,6 +12,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QByteArray contents(const QString &path)
@@ -34,11 +36,10 @@ protected:
     {
         ASSERT_TRUE(media.isValid() && saveFolder.isValid() && settings.isValid());
         alerts = testsupport::recordAlerts();
-        app = std::make_unique<MCAppDelegate>(settings.path() + QStringLiteral("/kestrane.ini"));
+        app = std::make_unique<MCAppDelegate>(settings.path() + u"/kestrane.ini"_s);
         app->applicationDidFinishLaunching();
-        for (const QString &name : {QStringLiteral("first.avi"), QStringLiteral("second.avi")})
-            testsupport::ffmpeg(media.path(), name,
-                                QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=1 -c:v mpeg4"));
+        for (const QString &name : {u"first.avi"_s, u"second.avi"_s})
+            testsupport::ffmpeg(media.path(), name, u"-f lavfi -i testsrc2=s=160x120:r=25:d=1 -c:v mpeg4"_s);
     }
 
     QString mediaFile(const QString &name) const { return media.path() + QLatin1Char('/') + name; }
@@ -46,7 +47,7 @@ protected:
     void open(const QString &tab, const QStringList &names)
     {
         app->selectionController->setCurrentTab(tab);
-        app->setOpeningFileMode(QStringLiteral("open"));
+        app->setOpeningFileMode(u"open"_s);
         QList<QUrl> urls;
         for (const QString &name : names)
             urls << QUrl::fromLocalFile(mediaFile(name));
@@ -60,37 +61,35 @@ protected:
 
 TEST_F(SaveFileInfoTest, WritesBesideTheFileReplacingOnlyAnEarlierReport)
 {
-    open(QStringLiteral("AVI"), {QStringLiteral("first.avi")});
-    const QString report = mediaFile(QStringLiteral("first.avi.info.txt"));
+    open(u"AVI"_s, {u"first.avi"_s});
+    const QString report = mediaFile(u"first.avi.info.txt"_s);
     write(report, "an earlier report\n");
-    write(mediaFile(QStringLiteral("first.info.txt")), "the user's own notes\n");
-    const QByteArray video = contents(mediaFile(QStringLiteral("first.avi")));
+    write(mediaFile(u"first.info.txt"_s), "the user's own notes\n");
+    const QByteArray video = contents(mediaFile(u"first.avi"_s));
 
-    app->helpMenuItemSelected(QStringLiteral("Save File Info"));
+    app->helpMenuItemSelected(u"Save File Info"_s);
 
     const QByteArray text = contents(report);
     EXPECT_TRUE(text.contains("Complete name")) << text.constData();
     EXPECT_TRUE(text.contains("first.avi"));
     EXPECT_FALSE(text.contains("an earlier report"));
-    EXPECT_EQ(contents(mediaFile(QStringLiteral("first.info.txt"))), QByteArray("the user's own notes\n"));
-    EXPECT_EQ(contents(mediaFile(QStringLiteral("first.avi"))), video);
+    EXPECT_EQ(contents(mediaFile(u"first.info.txt"_s)), QByteArray("the user's own notes\n"));
+    EXPECT_EQ(contents(mediaFile(u"first.avi"_s)), video);
     // Written whole: no temporary file is left behind.
     EXPECT_EQ(QDir(media.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name),
-              (QStringList{QStringLiteral("first.avi"), QStringLiteral("first.avi.info.txt"),
-                           QStringLiteral("first.info.txt"), QStringLiteral("second.avi")}));
+              (QStringList{u"first.avi"_s, u"first.avi.info.txt"_s, u"first.info.txt"_s, u"second.avi"_s}));
     EXPECT_TRUE(alerts->alerts.isEmpty());
 }
 
 TEST_F(SaveFileInfoTest, EditFilesTabReportsEveryListedFileIntoTheSaveFolder)
 {
     app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(saveFolder.path());
-    open(QStringLiteral("Edit Files"), {QStringLiteral("first.avi"), QStringLiteral("second.avi")});
+    open(u"Edit Files"_s, {u"first.avi"_s, u"second.avi"_s});
     const QStringList written = app->saveFileInfo();
-    EXPECT_EQ(written, (QStringList{saveFolder.path() + QStringLiteral("/first.avi.info.txt"),
-                                    saveFolder.path() + QStringLiteral("/second.avi.info.txt")}));
+    EXPECT_EQ(written, (QStringList{saveFolder.filePath(u"first.avi.info.txt"_s), saveFolder.filePath(u"second.avi.info.txt"_s)}));
     EXPECT_TRUE(contents(written.value(1)).contains("second.avi"));
     EXPECT_EQ(QDir(saveFolder.path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
-    EXPECT_FALSE(QFile::exists(mediaFile(QStringLiteral("first.avi.info.txt"))));
+    EXPECT_FALSE(QFile::exists(mediaFile(u"first.avi.info.txt"_s)));
 }
 
 TEST_F(SaveFileInfoTest, WhatCannotBeWrittenIsLeftAlone)
@@ -98,24 +97,24 @@ TEST_F(SaveFileInfoTest, WhatCannotBeWrittenIsLeftAlone)
     // Nothing loaded: nothing to report.
     EXPECT_TRUE(app->saveFileInfo().isEmpty());
 
-    open(QStringLiteral("AVI"), {QStringLiteral("first.avi")});
+    open(u"AVI"_s, {u"first.avi"_s});
     // A folder of the report's name stays as it is, with its contents.
-    ASSERT_TRUE(QDir(saveFolder.path()).mkpath(QStringLiteral("first.avi.info.txt")));
-    write(saveFolder.path() + QStringLiteral("/first.avi.info.txt/keep"), "kept\n");
+    ASSERT_TRUE(QDir(saveFolder.path()).mkpath(u"first.avi.info.txt"_s));
+    write(saveFolder.path() + u"/first.avi.info.txt/keep"_s, "kept\n");
     app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(saveFolder.path());
     EXPECT_TRUE(app->saveFileInfo().isEmpty());
-    EXPECT_EQ(contents(saveFolder.path() + QStringLiteral("/first.avi.info.txt/keep")), QByteArray("kept\n"));
+    EXPECT_EQ(contents(saveFolder.path() + u"/first.avi.info.txt/keep"_s), QByteArray("kept\n"));
     EXPECT_EQ(QDir(saveFolder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              QStringList{QStringLiteral("first.avi.info.txt")});
+              QStringList{u"first.avi.info.txt"_s});
 
     // A save folder that has gone away is not made again.
-    app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(saveFolder.path() + QStringLiteral("/gone"));
+    app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(saveFolder.path() + u"/gone"_s);
     EXPECT_TRUE(app->saveFileInfo().isEmpty());
-    EXPECT_FALSE(QFileInfo::exists(saveFolder.path() + QStringLiteral("/gone")));
+    EXPECT_FALSE(QFileInfo::exists(saveFolder.path() + u"/gone"_s));
     // Both failures were told, not only logged.
     ASSERT_EQ(alerts->alerts.size(), 2);
-    EXPECT_EQ(alerts->alerts.at(1).message, QStringLiteral("Kestrane could not save the file information."));
-    EXPECT_TRUE(alerts->alerts.at(1).informativeText.contains(QStringLiteral("/gone/first.avi.info.txt")));
+    EXPECT_EQ(alerts->alerts.at(1).message, u"Kestrane could not save the file information."_s);
+    EXPECT_TRUE(alerts->alerts.at(1).informativeText.contains(u"/gone/first.avi.info.txt"_s));
 }
 
 } // namespace

@@ -67,13 +67,11 @@ TEST(WatchModeFollowUp, AMovieWithoutAJobIsTriedAgainThenGivenUp)
     EXPECT_EQ(followUp.givenUp(), QStringList{QStringLiteral("/watched/movie.avi: not a video")});
     // Counted per movie: another one starts afresh.
     EXPECT_EQ(followUp.refused(QUrl::fromLocalFile(QStringLiteral("/watched/other.avi")), QString()).verdict, Verdict::TryAgain);
-}
 
-TEST(WatchModeFollowUp, AMovieStillWithinItsGraceIsWaitedFor)
-{
-    MCWatchModeFollowUp followUp(60000);
-    followUp.handedOn(QUrl::fromLocalFile(QStringLiteral("/watched/movie.avi")), 0);
-    EXPECT_TRUE(followUp.check({}).isEmpty());
+    // A movie still within its grace is waited for.
+    MCWatchModeFollowUp patient(60000);
+    patient.handedOn(movie, 0);
+    EXPECT_TRUE(patient.check({}).isEmpty());
 }
 
 TEST_F(WatchedApp, GarbageIsLoggedTriedAgainWhileItHoldsItsSizeThenGivenUp)
@@ -99,10 +97,7 @@ TEST_F(WatchedApp, GarbageIsLoggedTriedAgainWhileItHoldsItsSizeThenGivenUp)
 
 TEST_F(WatchedApp, MoviesSettlingInOneScanAreEachQueued)
 {
-    QTemporaryDir source;
-    const QString clip = testsupport::ffmpeg(
-        source.path(), QStringLiteral("clip.avi"),
-        QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=1 -f lavfi -i sine=d=1:r=48000 -ac 2 -c:v mpeg4 -c:a ac3"));
+    const QString clip = appClip(QStringLiteral("clip.avi"), QStringLiteral("-c:v mpeg4 -c:a ac3"), 1);
     // Copied in together: all three settle in the same scan.
     for (const QString &name : {QStringLiteral("a.avi"), QStringLiteral("b.avi"), QStringLiteral("c.avi")})
         ASSERT_TRUE(QFile::copy(clip, path(name)));

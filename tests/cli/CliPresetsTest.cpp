@@ -1,14 +1,8 @@
 #include "CliTestSupport.h"
 
-#include "MCPreferences.h"
-
-#include <gtest/gtest.h>
-
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcessEnvironment>
-#include <QRegularExpression>
 
 namespace {
 
@@ -17,14 +11,14 @@ class CliPresets : public CliTest
 protected:
     CliResult presets(const QStringList &arguments) const
     {
-        return runCli(QStringList{QStringLiteral("--settings"), settings, QStringLiteral("presets")} + arguments);
+        return runCli(QStringList{u"--settings"_s, settings, u"presets"_s} + arguments);
     }
     // What the window would read from the settings file.
     QVariantMap storedPreset(bool settingsKind, const QString &name) const
     {
         const MCPreferences preferences(settings);
         for (const QVariant &record : settingsKind ? preferences.userPresetSettingsList : preferences.userPresetSelectionsList) {
-            if (record.toMap().value(QStringLiteral("pName")) == name)
+            if (record.toMap().value(u"pName"_s) == name)
                 return record.toMap();
         }
         return {};
@@ -35,60 +29,52 @@ protected:
 
 TEST_F(CliPresets, ExtractTracksPresetExtractsInsteadOfConverting)
 {
-    const QString avi = xvidAvi(QStringLiteral("preset-extract.avi"));
-    const QStringList extract{QStringLiteral("convert"), QStringLiteral("--settings-preset"), QStringLiteral("Extract Tracks"), avi};
-    const CliResult dry = runCli(common() + QStringList{QStringLiteral("--dry-run")} + extract);
-    EXPECT_EQ(dry.status, 0) << dry.err.toStdString();
-    EXPECT_TRUE(dry.out.contains(QStringLiteral("job: AVI Track Extraction\n"))) << dry.out.toStdString();
+    const QString avi = xvidAvi(u"preset-extract.avi"_s);
+    const QStringList extract{u"convert"_s, u"--settings-preset"_s, u"Extract Tracks"_s, avi};
+    const CliResult dry = run(QStringList{u"--dry-run"_s} + extract);
+    EXPECT_TRUE(dry.out.contains(u"job: AVI Track Extraction\n"_s)) << dry.out.toStdString();
 
-    const CliResult result = runCli(common() + extract);
+    const CliResult result = run(extract);
     ASSERT_EQ(result.status, 0) << result.err.toStdString() << result.out.toStdString();
     // First Track's video and audio, each a file of its own; no new AVI of the movie.
-    const QStringList written = filesIn(saveDir.path());
-    EXPECT_EQ(written.size(), 2) << written.join(' ').toStdString();
-    EXPECT_EQ(written.filter(QRegularExpression(QStringLiteral("\\.mp3$"))).size(), 1) << written.join(' ').toStdString();
-    EXPECT_FALSE(written.contains(QStringLiteral("preset-extract.avi.avi")));
+    EXPECT_EQ(written().size(), 2) << written().join(u' ').toStdString();
+    EXPECT_EQ(written().filter(QRegularExpression(u"\\.mp3$"_s)).size(), 1) << written().join(u' ').toStdString();
 }
 
 TEST_F(CliPresets, PresetsMadeWithoutAWindowAreTheWindowsOwn)
 {
-    CliResult result = presets({QStringLiteral("list")});
+    CliResult result = presets({u"list"_s});
     ASSERT_EQ(result.status, 0) << result.err.toStdString();
-    EXPECT_TRUE(result.out.contains(QStringLiteral("selection\tFirst Track\tbuilt-in\n")));
-    EXPECT_TRUE(result.out.contains(QStringLiteral("settings\tExtract Tracks\tbuilt-in\n")));
+    EXPECT_TRUE(result.out.contains(u"selection\tFirst Track\tbuilt-in\n"_s));
+    EXPECT_TRUE(result.out.contains(u"settings\tExtract Tracks\tbuilt-in\n"_s));
 
-    result = presets({QStringLiteral("add-settings"), QStringLiteral("Small"), QStringLiteral("--video"), QStringLiteral("mpeg4"),
-                      QStringLiteral("--bitrate"), QStringLiteral("300"), QStringLiteral("--audio"), QStringLiteral("mp3"),
-                      QStringLiteral("--audio-bitrate"), QStringLiteral("128"), QStringLiteral("--subtitles"), QStringLiteral("extract")});
+    result = presets(words(u"add-settings Small --video mpeg4 --bitrate 300 --audio mp3 --audio-bitrate 128 --subtitles extract"_s));
     ASSERT_EQ(result.status, 0) << result.err.toStdString();
-    const QVariantMap small = storedPreset(true, QStringLiteral("Small"));
-    EXPECT_EQ(small.value(QStringLiteral("pVideoActionIndex")).toInt(), 1);
-    EXPECT_EQ(small.value(QStringLiteral("pVideoBitRate")).toString(), QStringLiteral("300"));
-    EXPECT_EQ(small.value(QStringLiteral("pVideoBitRateIndex")).toInt(), 1);
-    EXPECT_EQ(small.value(QStringLiteral("pStereoBitRate")).toString(), QStringLiteral("128"));
-    EXPECT_EQ(small.value(QStringLiteral("pSubAction")).toString(), QStringLiteral("Extract"));
+    const QVariantMap small = storedPreset(true, u"Small"_s);
+    EXPECT_EQ(small.value(u"pVideoActionIndex"_s).toInt(), 1);
+    EXPECT_EQ(small.value(u"pVideoBitRate"_s).toString(), u"300"_s);
+    EXPECT_EQ(small.value(u"pVideoBitRateIndex"_s).toInt(), 1);
+    EXPECT_EQ(small.value(u"pStereoBitRate"_s).toString(), u"128"_s);
+    EXPECT_EQ(small.value(u"pSubAction"_s).toString(), u"Extract"_s);
 
-    result = presets({QStringLiteral("add-selection"), QStringLiteral("French"), QStringLiteral("--audio-filter"),
-                      QStringLiteral("lang=French,channels=stereo"), QStringLiteral("--audio-filter"), QStringLiteral("1"),
-                      QStringLiteral("--subtitle-filter"), QStringLiteral("none")});
+    result = presets(words(u"add-selection French --audio-filter lang=French,channels=stereo --audio-filter 1 --subtitle-filter none"_s));
     ASSERT_EQ(result.status, 0) << result.err.toStdString();
-    const QVariantList audio = storedPreset(false, QStringLiteral("French")).value(QStringLiteral("pAudioFilterArray")).toList();
+    const QVariantList audio = storedPreset(false, u"French"_s).value(u"pAudioFilterArray"_s).toList();
     ASSERT_EQ(audio.size(), 2);
-    EXPECT_EQ(audio.at(0).toMap().value(QStringLiteral("currentLanguage")).toString(), QStringLiteral("French"));
-    EXPECT_EQ(audio.at(0).toMap().value(QStringLiteral("currentChannels")).toString(), QStringLiteral("Stereo Only"));
-    EXPECT_EQ(audio.at(1).toMap().value(QStringLiteral("currentTrackNumber")).toString(), QStringLiteral("1"));
+    EXPECT_EQ(audio.at(0).toMap().value(u"currentLanguage"_s).toString(), u"French"_s);
+    EXPECT_EQ(audio.at(0).toMap().value(u"currentChannels"_s).toString(), u"Stereo Only"_s);
+    EXPECT_EQ(audio.at(1).toMap().value(u"currentTrackNumber"_s).toString(), u"1"_s);
 
-    result = presets({QStringLiteral("show"), QStringLiteral("Small")});
+    result = presets({u"show"_s, u"Small"_s});
     ASSERT_EQ(result.status, 0) << result.err.toStdString();
     const QJsonObject shown = QJsonDocument::fromJson(result.out.toUtf8()).object();
-    EXPECT_EQ(shown.value(QStringLiteral("kind")).toString(), QStringLiteral("settings"));
-    EXPECT_EQ(shown.value(QStringLiteral("pVideoBitRate")).toString(), QStringLiteral("300"));
+    EXPECT_EQ(shown.value(u"kind"_s).toString(), u"settings"_s);
+    EXPECT_EQ(shown.value(u"pVideoBitRate"_s).toString(), u"300"_s);
 
     // The conversion takes the preset as one the window saved.
-    const CliResult dry = runCli(common() + QStringList{QStringLiteral("--dry-run"), QStringLiteral("convert"),
-                                                        QStringLiteral("--settings-preset"), QStringLiteral("Small"), threeTrackMkv()});
+    const CliResult dry = run(words(u"--dry-run convert --settings-preset Small"_s) + QStringList{threeTrackMkv()});
     EXPECT_EQ(dry.status, 0) << dry.err.toStdString();
-    EXPECT_TRUE(dry.out.contains(QStringLiteral("-> mpeg4, 300 kbit/s"))) << dry.out.toStdString();
+    EXPECT_TRUE(dry.out.contains(u"-> mpeg4, 300 kbit/s"_s)) << dry.out.toStdString();
 
     // A name stands for one preset; built-ins stay.
     const struct
@@ -96,61 +82,47 @@ TEST_F(CliPresets, PresetsMadeWithoutAWindowAreTheWindowsOwn)
         QStringList arguments;
         QString error;
     } refused[] = {
-        {{QStringLiteral("add-settings"), QStringLiteral("Small")}, QStringLiteral("exists already")},
-        {{QStringLiteral("add-selection"), QStringLiteral("Small")}, QStringLiteral("exists already")},
-        {{QStringLiteral("remove"), QStringLiteral("First Track")}, QStringLiteral("built in")},
-        {{QStringLiteral("remove"), QStringLiteral("Nope")}, QStringLiteral("unknown preset 'Nope'")},
-        {{QStringLiteral("show"), QStringLiteral("Nope")}, QStringLiteral("unknown preset 'Nope'")},
+        {{u"add-settings"_s, u"Small"_s}, u"exists already"_s},
+        {{u"add-selection"_s, u"Small"_s}, u"exists already"_s},
+        {{u"remove"_s, u"First Track"_s}, u"built in"_s},
+        {{u"remove"_s, u"Nope"_s}, u"unknown preset 'Nope'"_s},
+        {{u"show"_s, u"Nope"_s}, u"unknown preset 'Nope'"_s},
     };
     for (const auto &r : refused) {
         result = presets(r.arguments);
-        EXPECT_EQ(result.status, 1) << r.arguments.join(' ').toStdString();
+        EXPECT_EQ(result.status, 1) << r.arguments.join(u' ').toStdString();
         EXPECT_TRUE(result.err.contains(r.error)) << result.err.toStdString();
     }
 
-    ASSERT_EQ(presets({QStringLiteral("remove"), QStringLiteral("Small")}).status, 0);
-    EXPECT_TRUE(storedPreset(true, QStringLiteral("Small")).isEmpty());
-    EXPECT_FALSE(storedPreset(false, QStringLiteral("French")).isEmpty());
-}
+    ASSERT_EQ(presets({u"remove"_s, u"Small"_s}).status, 0);
+    EXPECT_TRUE(storedPreset(true, u"Small"_s).isEmpty());
+    EXPECT_FALSE(storedPreset(false, u"French"_s).isEmpty());
 
-TEST_F(CliPresets, PresetsUsageMistakesAnswerTwo)
-{
-    const QList<QStringList> mistakes{
-        {},
-        {QStringLiteral("rename"), QStringLiteral("A")},
-        {QStringLiteral("show")},
-        {QStringLiteral("list"), QStringLiteral("A")},
-        {QStringLiteral("add-selection"), QStringLiteral("A"), QStringLiteral("--audio-filter"), QStringLiteral("lang")},
-        {QStringLiteral("add-selection"), QStringLiteral("A"), QStringLiteral("--video"), QStringLiteral("mpeg4")},
-        {QStringLiteral("add-settings"), QStringLiteral("A"), QStringLiteral("--subtitle-filter"), QStringLiteral("all")},
-    };
-    for (const QStringList &arguments : mistakes) {
-        const CliResult result = presets(arguments);
-        EXPECT_EQ(result.status, 2) << arguments.join(' ').toStdString();
-        EXPECT_TRUE(result.err.startsWith(QStringLiteral("kestrane-cli: "))) << result.err.toStdString();
-    }
-    EXPECT_TRUE(MCPreferences(settings).userPresetSelectionsList.isEmpty());
+    // Usage mistakes change nothing.
+    QList<QStringList> mistakes{QStringList()};
+    for (const char *line : {"rename A", "show", "list A", "add-selection A --audio-filter lang", "add-selection A --video mpeg4",
+                             "add-settings A --subtitle-filter all"})
+        mistakes << words(QString::fromLatin1(line));
+    expectUsageMistakes(mistakes, {u"--settings"_s, settings, u"presets"_s});
+    EXPECT_EQ(MCPreferences(settings).userPresetSelectionsList.size(), 1);
 }
 
 TEST_F(CliPresets, SubtitleExtractionNoToolCanMakeIsRefusedBeforeAnythingRuns)
 {
-    const QString srt = writeSrt(settingsDir.path() + QStringLiteral("/line.srt"));
-    const QString mp4 = testsupport::ffmpeg(settingsDir.path(), QStringLiteral("subtitled.mp4"),
-                                            QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=1 -f lavfi -i sine=d=1 -i '%1' "
-                                                           "-map 0 -map 1 -map 2 -ac 2 -c:v mpeg4 -c:a libmp3lame -c:s mov_text")
-                                                .arg(srt));
+    const QString srt = writeSrt(settingsDir.filePath(u"line.srt"_s));
+    const QString mp4 = testsupport::ffmpeg(settingsDir.path(), u"subtitled.mp4"_s,
+                                            testInputs(1) + u"-i '%1' -map 0 -map 1 -map 2 -ac 2 -c:v mpeg4 -c:a libmp3lame -c:s mov_text"_s.arg(srt));
     QTemporaryDir resources;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("KESTRANE_RESOURCES"), testsupport::resourcesWithout(resources.path(), QStringLiteral("mp4boxUpdated")));
+    environment.insert(u"KESTRANE_RESOURCES"_s, testsupport::resourcesWithout(resources.path(), u"mp4boxUpdated"_s));
     QProcess cli;
     cli.setProcessEnvironment(environment);
-    cli.start(cliPath(), common() + QStringList{QStringLiteral("convert"), QStringLiteral("--tracks"), QStringLiteral("1,2,3"),
-                                                QStringLiteral("--subtitles"), QStringLiteral("extract"), mp4});
+    cli.start(cliPath(), common() + words(u"convert --tracks 1,2,3 --subtitles extract"_s) + QStringList{mp4});
     ASSERT_TRUE(cli.waitForFinished(120000));
     const QString err = QString::fromUtf8(cli.readAllStandardError());
     // Refused as what it is, not a written AVI reported as failed.
     EXPECT_EQ(cli.exitCode(), 2) << err.toStdString();
-    EXPECT_TRUE(err.contains(QStringLiteral("subtitled.mp4: Extracting the subtitle of an MP4 file needs MP4Box"))) << err.toStdString();
-    EXPECT_FALSE(QString::fromUtf8(cli.readAllStandardOutput()).contains(QStringLiteral("Failed")));
-    EXPECT_TRUE(filesIn(saveDir.path()).isEmpty()) << filesIn(saveDir.path()).join(' ').toStdString();
+    EXPECT_TRUE(err.contains(u"subtitled.mp4: Extracting the subtitle of an MP4 file needs MP4Box"_s)) << err.toStdString();
+    EXPECT_FALSE(QString::fromUtf8(cli.readAllStandardOutput()).contains(u"Failed"_s));
+    EXPECT_TRUE(written().isEmpty()) << written().join(u' ').toStdString();
 }

@@ -12,6 +12,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+using namespace Qt::StringLiterals;
+
 // Runs the kestrane-cli built beside the test program.
 struct CliResult
 {
@@ -22,7 +24,7 @@ struct CliResult
 
 inline QString cliPath()
 {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/kestrane-cli");
+    return QCoreApplication::applicationDirPath() + u"/kestrane-cli"_s;
 }
 
 inline CliResult runCli(const QStringList &arguments, int timeoutMs = 180000)
@@ -31,17 +33,20 @@ inline CliResult runCli(const QStringList &arguments, int timeoutMs = 180000)
     process.start(cliPath(), arguments);
     process.closeWriteChannel();
     process.waitForFinished(timeoutMs);
-    CliResult result;
-    result.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
+}
+
+// A command line without quoting, e.g. words(u"convert --to mkv a.mkv"_s).
+inline QStringList words(const QString &line)
+{
+    return line.split(u' ', Qt::SkipEmptyParts);
 }
 
 // A settings file of its own in dir, keeping no logs; answers its path.
 inline QString quietSettings(const QString &dir)
 {
-    const QString settings = dir + QStringLiteral("/kestrane.ini");
+    const QString settings = dir + u"/kestrane.ini"_s;
     MCPreferences preferences(settings);
     preferences.keepLogsFlag = false;
     preferences.savePreferencesToDefaults();
@@ -63,35 +68,48 @@ inline QString writeSrt(const QString &path)
     return path;
 }
 
+// A clip in cliMediaDir made by ffmpeg from these arguments, unless it is there.
+inline QString cliClip(const QString &name, const QString &arguments)
+{
+    const QString path = cliMediaDir() + u'/' + name;
+    return QFile::exists(path) ? path : testsupport::ffmpeg(cliMediaDir(), name, arguments);
+}
+
+// Picture and sound of that many seconds, as ffmpeg inputs.
+inline QString testInputs(int seconds, const QString &size = u"160x120"_s)
+{
+    return u"-f lavfi -i testsrc2=s=%1:r=25:d=%2 -f lavfi -i sine=d=%2:r=48000 "_s.arg(size).arg(seconds);
+}
+
 // H.264, AAC stereo and an SRT subtitle in Matroska.
 inline QString threeTrackMkv(int seconds = 2)
 {
-    const QString dir = cliMediaDir();
-    const QString name = QStringLiteral("three-%1.mkv").arg(seconds);
-    if (QFile::exists(dir + QLatin1Char('/') + name))
-        return dir + QLatin1Char('/') + name;
-    const QString srt = writeSrt(dir + QStringLiteral("/sub.srt"));
-    return testsupport::ffmpeg(dir, name,
-                               QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=%1 -f lavfi -i sine=d=%1:r=48000 -i '%2' "
-                                              "-map 0:v -map 1:a -map 2 -ac 2 -c:v libx264 -preset ultrafast -c:a aac -c:s srt")
-                                   .arg(seconds)
-                                   .arg(srt));
+    const QString srt = writeSrt(cliMediaDir() + u"/sub.srt"_s);
+    return cliClip(u"three-%1.mkv"_s.arg(seconds), testInputs(seconds) + u"-i '%1' -map 0:v -map 1:a -map 2 -ac 2 "
+                                                                        "-c:v libx264 -preset ultrafast -c:a aac -c:s srt"_s.arg(srt));
 }
 
 // An XviD/MP3 AVI as MEncoder writes them (MEncoder misreads ffmpeg's MP3 in AVI).
 inline QString xvidAvi(const QString &name, int seconds = 2)
 {
-    const QString dir = cliMediaDir();
-    const QString path = dir + QLatin1Char('/') + name;
+    const QString path = cliMediaDir() + u'/' + name;
     if (QFile::exists(path))
         return path;
-    const QString pcm = testsupport::ffmpeg(dir, name + QStringLiteral(".pcm.avi"),
-                                            QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=%1 -f lavfi -i sine=d=%1:r=48000 "
-                                                           "-ac 2 -c:v mpeg4 -vtag XVID -g 25 -q:v 5 -c:a pcm_s16le")
-                                                .arg(seconds));
-    testsupport::run(QStringLiteral("mencoder '%1' -ovc copy -oac mp3lame -lameopts cbr:br=128 -o '%2'").arg(pcm, path));
+    const QString pcm = cliClip(name + u".pcm.avi"_s, testInputs(seconds) + u"-ac 2 -c:v mpeg4 -vtag XVID -g 25 -q:v 5 -c:a pcm_s16le"_s);
+    testsupport::run(u"mencoder '%1' -ovc copy -oac mp3lame -lameopts cbr:br=128 -o '%2'"_s.arg(pcm, path));
     QFile::remove(pcm);
     return path;
+}
+
+// H.264 with German AC-3 5.1 and an SRT subtitle, three seconds, a key
+// frame every second.
+inline QString surroundMkv()
+{
+    const QString srt = writeSrt(cliMediaDir() + u"/surround.srt"_s);
+    return cliClip(u"surround.mkv"_s,
+                   testInputs(3) + u"-i '%1' -filter_complex '[1:a]pan=5.1|c0=c0|c1=c0|c2=c0|c3=c0|c4=c0|c5=c0[s]' "
+                                   "-map 0:v -map '[s]' -map 2 -c:v libx264 -preset ultrafast -g 25 -c:a ac3 "
+                                   "-c:s srt -metadata:s:a:0 language=ger"_s.arg(srt));
 }
 
 inline QStringList filesIn(const QString &dir)
@@ -99,28 +117,17 @@ inline QStringList filesIn(const QString &dir)
     return QDir(dir).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
 }
 
-// H.264 with German AC-3 5.1 and an SRT subtitle, three seconds, a key
-// frame every second.
-inline QString surroundMkv()
-{
-    const QString dir = cliMediaDir();
-    if (QFile::exists(dir + QStringLiteral("/surround.mkv")))
-        return dir + QStringLiteral("/surround.mkv");
-    const QString srt = writeSrt(dir + QStringLiteral("/surround.srt"));
-    return testsupport::ffmpeg(dir, QStringLiteral("surround.mkv"),
-                               QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=3 -f lavfi -i sine=d=3:r=48000 -i '%1' "
-                                              "-filter_complex '[1:a]pan=5.1|c0=c0|c1=c0|c2=c0|c3=c0|c4=c0|c5=c0[s]' "
-                                              "-map 0:v -map '[s]' -map 2 -c:v libx264 -preset ultrafast -g 25 -c:a ac3 "
-                                              "-c:s srt -metadata:s:a:0 language=ger")
-                                   .arg(srt));
-}
-
 // mediainfo's words for each track of a kind, e.g. {"AAC/2"} for "Audio;%Format%/%Channel(s)%".
 inline QStringList described(const QString &path, const QString &inform)
 {
     QString out;
-    testsupport::run(QStringLiteral("mediainfo --Inform='%1\\n' '%2'").arg(inform, path), &out);
-    return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    testsupport::run(u"mediainfo --Inform='%1\\n' '%2'"_s.arg(inform, path), &out);
+    return out.split(u'\n', Qt::SkipEmptyParts);
+}
+
+inline double playingMs(const QString &path)
+{
+    return testsupport::mediaInfo(path, u"General"_s, u"Duration"_s).toDouble();
 }
 
 // Everything in a folder, hidden entries and folders included: a job's
@@ -135,17 +142,29 @@ inline QStringList entriesIn(const QString &dir)
 class CliTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        settings = settingsDir.path() + QStringLiteral("/kestrane.ini");
-        MCPreferences preferences(settings);
-        preferences.keepLogsFlag = false;
-        preferences.savePreferencesToDefaults();
-    }
+    void SetUp() override { settings = quietSettings(settingsDir.path()); }
 
-    QStringList common() const { return {QStringLiteral("--settings"), settings, QStringLiteral("--save-dir"), saveDir.path()}; }
+    QStringList common() const { return {u"--settings"_s, settings, u"--save-dir"_s, saveDir.path()}; }
+    CliResult run(const QStringList &arguments) const { return runCli(common() + arguments); }
+    QString saved(const QString &name) const { return saveDir.path() + u'/' + name; }
+    QStringList written() const { return filesIn(saveDir.path()); }
+    void clearResults() const
+    {
+        for (const QString &name : written())
+            QFile::remove(saved(name));
+    }
 
     QTemporaryDir settingsDir;
     QTemporaryDir saveDir;
     QString settings;
 };
+
+// Every command line must end with status 2 and one line naming the program.
+inline void expectUsageMistakes(const QList<QStringList> &mistakes, const QStringList &before = {})
+{
+    for (const QStringList &arguments : mistakes) {
+        const CliResult result = runCli(before + arguments);
+        EXPECT_EQ(result.status, 2) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(result.err.startsWith(u"kestrane-cli: "_s)) << result.err.toStdString();
+    }
+}

@@ -1,9 +1,5 @@
 #include "CliTestSupport.h"
 
-#include "MCPreferences.h"
-
-#include <gtest/gtest.h>
-
 #include <QRegularExpression>
 
 namespace {
@@ -48,12 +44,7 @@ Cue cueOf(const QString &path)
 TEST(TwoPassSync, TransportStreamAndVobKeepFlashAndBeepTogether)
 {
     QTemporaryDir work;
-    const QString settings = work.path() + QStringLiteral("/kestrane.ini");
-    {
-        MCPreferences preferences(settings);
-        preferences.keepLogsFlag = false;
-        preferences.savePreferencesToDefaults();
-    }
+    const QString settings = quietSettings(work.path());
     // A black picture that flashes white at 1.5 s, silence with a beep at 1.5 s.
     const QString inputs = QStringLiteral(
         "-f lavfi -i \"color=c=black:s=160x120:r=25:d=3,drawbox=c=white:t=fill:enable='between(t,1.5,1.58)'\" "
@@ -65,11 +56,9 @@ TEST(TwoPassSync, TransportStreamAndVobKeepFlashAndBeepTogether)
         const Cue original = cueOf(source);
         ASSERT_NEAR(original.flash, original.beep, 0.05);
 
-        const CliResult result = runCli({QStringLiteral("--settings"), settings, QStringLiteral("--quiet"),
-                                         QStringLiteral("convert"), QStringLiteral("--save-dir"), work.path(),
-                                         QStringLiteral("--video"), QStringLiteral("mpeg4-2pass"),
-                                         QStringLiteral("--bitrate"), QStringLiteral("400"), QStringLiteral("--audio"),
-                                         QStringLiteral("mp3"), source});
+        const CliResult result = runCli(QStringList{u"--settings"_s, settings, u"--save-dir"_s, work.path()}
+                                        + words(u"--quiet convert --video mpeg4-2pass --bitrate 400 --audio mp3"_s)
+                                        + QStringList{source});
         ASSERT_EQ(result.status, 0) << result.err.toStdString() << result.out.toStdString();
         const QString avi = source + QStringLiteral(".avi");
         ASSERT_TRUE(QFileInfo::exists(avi));

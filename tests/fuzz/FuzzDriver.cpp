@@ -24,28 +24,22 @@ void runOne(const Input &input)
     LLVMFuzzerTestOneInput(input.data(), input.size());
 }
 
+// One to four random edits: a byte replaced, inserted, erased or flipped.
 Input mutate(Input input, std::mt19937 &rng)
 {
-    const int edits = 1 + int(rng() % 4);
-    for (int e = 0; e < edits; ++e) {
+    for (int edits = 1 + int(rng() % 4); edits > 0; --edits) {
         const size_t at = input.empty() ? 0 : rng() % (input.size() + 1);
-        switch (rng() % 4) {
-        case 0:
-            if (at < input.size())
-                input[at] = uint8_t(rng());
-            break;
-        case 1:
+        const unsigned kind = rng() % 4;
+        if (kind == 1)
             input.insert(input.begin() + std::ptrdiff_t(at), uint8_t(rng()));
-            break;
-        case 2:
-            if (at < input.size())
-                input.erase(input.begin() + std::ptrdiff_t(at));
-            break;
-        default:
-            if (at < input.size())
-                input[at] ^= uint8_t(1u << (rng() % 8));
-            break;
-        }
+        else if (at >= input.size())
+            continue;
+        else if (kind == 0)
+            input[at] = uint8_t(rng());
+        else if (kind == 2)
+            input.erase(input.begin() + std::ptrdiff_t(at));
+        else
+            input[at] ^= uint8_t(1u << (rng() % 8));
     }
     return input;
 }

@@ -33,14 +33,11 @@ const char *const kWords[] = {
     "All Tracks", "By Language", "English", "French", "ac3", "mp3", "srt", "1", "2", "3", "10", "-1", "0",
     "Manual", "DivX DVD", "General", "PS3", "Original", "Burn (hard)", "Extract", "99999999999999999999", ""};
 
+// Reads values out of the fuzzer's bytes; past the end every byte is 0.
 class Reader
 {
 public:
-    Reader(const uint8_t *data, size_t size)
-        : m_data(data)
-        , m_size(size)
-    {
-    }
+    Reader(const uint8_t *data, size_t size) : m_data(data), m_size(size) {}
 
     uint8_t byte() { return m_at < m_size ? m_data[m_at++] : 0; }
     bool done() const { return m_at >= m_size; }
@@ -58,26 +55,19 @@ public:
     {
         switch (byte() % 9) {
         case 0:
-        case 1:
-            return QString::fromLatin1(kWords[byte() % std::size(kWords)]);
-        case 2:
-            return text();
-        case 3:
-            return bool(byte() & 1);
+        case 1: return QString::fromLatin1(kWords[byte() % std::size(kWords)]);
+        case 2: return text();
+        case 3: return bool(byte() & 1);
         case 4: {
             qint32 number = 0;
             for (int i = 0; i < 4; ++i)
                 number = qint32(quint32(number) << 8 | byte());
             return number;
         }
-        case 5:
-            return double(int8_t(byte())) * 1e10;
-        case 6:
-            return depth < 3 ? QVariant(list(depth + 1)) : QVariant();
-        case 7:
-            return depth < 3 ? QVariant(map(depth + 1)) : QVariant();
-        default:
-            return QVariant();
+        case 5: return double(int8_t(byte())) * 1e10;
+        case 6: return depth < 3 ? QVariant(list(depth + 1)) : QVariant();
+        case 7: return depth < 3 ? QVariant(map(depth + 1)) : QVariant();
+        default: return QVariant();
         }
     }
 
@@ -104,8 +94,7 @@ public:
 
 private:
     const uint8_t *m_data;
-    size_t m_size;
-    size_t m_at = 0;
+    size_t m_size, m_at = 0;
 };
 
 MCVideoTrackPtr track(const char *type, const char *codec, const char *channels, const char *language)

@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 // Watches one job: its progress rows tick by tick ("Step=Progress|..." per
@@ -88,5 +90,24 @@ protected:
     QStringList saved(const QString &pattern) const { return QDir(prefs.saveFolder).entryList({pattern}, QDir::Files); }
     QString savedPath(const QString &name) const { return prefs.saveFolder + QLatin1Char('/') + name; }
 
+    // Runs a job on a deep copy of the selection, as the queue would, and
+    // keeps its progress ticks; true when it completed.
+    bool completes(MCJob &job, const MCSelectionPtr &selection)
+    {
+        JobWatch watch(job);
+        job.jobSelection = selection->copy();
+        job.jobType = selection->jobType;
+        job.startJob();
+        const bool ended = watch.waitForDone();
+        ticks = watch.ticks;
+        return ended && !job.hasFailed();
+    }
+
+    bool sawRow(const QString &row) const
+    {
+        return std::any_of(ticks.cbegin(), ticks.cend(), [&row](const QString &tick) { return tick.contains(row); });
+    }
+
     PrivatePreferences prefs;
+    QStringList ticks;
 };

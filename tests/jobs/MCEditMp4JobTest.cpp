@@ -79,15 +79,6 @@ protected:
             EXPECT_EQ(testsupport::checksum(made.path(it.key())), it.value()) << it.key().toStdString() << " was changed";
     }
 
-    // Runs an edit job; true when it completed.
-    bool edit(MCEditMp4Job &job, const MCSelectionPtr &selection)
-    {
-        JobWatch watch(job);
-        const bool ended = runJob(job, selection, watch);
-        ticks = watch.ticks;
-        return ended && !job.hasFailed();
-    }
-
     MCSelectionPtr joining(const QStringList &names)
     {
         MCSelectionPtr selection = inspectedSelection(media(names.first()), MCWords::jobMp4Joining);
@@ -95,20 +86,14 @@ protected:
         return selection;
     }
 
-    bool sawRow(const QString &row) const
-    {
-        return std::any_of(ticks.cbegin(), ticks.cend(), [&row](const QString &tick) { return tick.contains(row); });
-    }
-
     MCEditMp4Job job;
-    QStringList ticks;
 };
 
 } // namespace
 
 TEST_F(Mp4EditingTest, ExtractsEveryTrackIntoTheSaveFolder)
 {
-    ASSERT_TRUE(edit(job, inspectedSelection(media(u"tracks.mp4"_s), MCWords::jobMp4TrackExtraction)))
+    ASSERT_TRUE(completes(job, inspectedSelection(media(u"tracks.mp4"_s), MCWords::jobMp4TrackExtraction)))
         << job.failureReason().toStdString();
     EXPECT_EQ(saved(u"*"_s), (QStringList{u"tracks_4_text.srt"_s, u"tracks_track1.h264"_s, u"tracks_track2.aac"_s,
                                           u"tracks_track3.ac3"_s}));
@@ -123,7 +108,7 @@ TEST_F(Mp4EditingTest, ExtractsEveryTrackIntoTheSaveFolder)
     MCEditMp4Job foreign;
     MCSelectionPtr selection = inspectedSelection(media(u"tracks.mp4"_s), MCWords::jobMp4TrackExtraction);
     selection->trackList << makeTrack(u"Audio"_s, u"aac"_s, media(u"part1.mp4"_s));
-    EXPECT_FALSE(edit(foreign, selection));
+    EXPECT_FALSE(completes(foreign, selection));
     EXPECT_TRUE(foreign.stepPIDList().isEmpty());
     EXPECT_EQ(saved(u"*"_s).size(), 4);
 }
@@ -133,7 +118,7 @@ TEST_F(Mp4EditingTest, RemovesTracksFromACopyAndKeepsTheRest)
     MCSelectionPtr selection = inspectedSelection(media(u"tracks.mp4"_s), MCWords::jobMp4TrackRemoval);
     selection->trackList.removeIf([](const MCVideoTrackPtr &track) { return track->trackMp4boxID != u"3"_s && track->trackMp4boxID != u"4"_s; });
     ASSERT_EQ(selection->trackList.size(), 2);
-    ASSERT_TRUE(edit(job, selection)) << job.failureReason().toStdString();
+    ASSERT_TRUE(completes(job, selection)) << job.failureReason().toStdString();
 
     EXPECT_EQ(ticks.value(0), u"Removing Tracks=Copying Original"_s);
     const QString removed = savedPath(u"tracks.mp4.deletedtrack.mp4"_s);
@@ -149,7 +134,7 @@ TEST_F(Mp4EditingTest, RemovesTracksFromACopyAndKeepsTheRest)
     MCEditMp4Job missing;
     selection->trackList = {selection->trackList.first()};
     selection->trackList.first()->trackMp4boxID = u"9"_s;
-    EXPECT_FALSE(edit(missing, selection));
+    EXPECT_FALSE(completes(missing, selection));
     EXPECT_TRUE(missing.failureReason().startsWith(u"Removing Tracks: "_s)) << missing.failureReason().toStdString();
     EXPECT_TRUE(saved(u"*.mp4"_s).contains(u"tracks.mp4.deletedtrack.mp4"_s));
     EXPECT_EQ(saved(u"*.mp4"_s).size(), 1);
@@ -158,7 +143,7 @@ TEST_F(Mp4EditingTest, RemovesTracksFromACopyAndKeepsTheRest)
 TEST_F(Mp4EditingTest, JoinsFilesOfOneRecording)
 {
     const auto alerts = testsupport::recordAlerts();
-    ASSERT_TRUE(edit(job, joining({u"part1.mp4"_s, u"part2.mp4"_s}))) << job.failureReason().toStdString();
+    ASSERT_TRUE(completes(job, joining({u"part1.mp4"_s, u"part2.mp4"_s}))) << job.failureReason().toStdString();
     EXPECT_TRUE(alerts->alerts.isEmpty());
     EXPECT_EQ(job.joinErrorCount(), 0);
     EXPECT_NEAR(durationSeconds(savedPath(u"part1.mp4.joined.mp4"_s)), 5.0, 0.2);
@@ -168,7 +153,7 @@ TEST_F(Mp4EditingTest, JoinsFilesOfOneRecording)
 TEST_F(Mp4EditingTest, RefusedJoinIsRetriedOnCleanedCopies)
 {
     const auto alerts = testsupport::recordAlerts();
-    ASSERT_TRUE(edit(job, joining({u"part1.mp4"_s, u"timecoded.mp4"_s}))) << job.failureReason().toStdString();
+    ASSERT_TRUE(completes(job, joining({u"part1.mp4"_s, u"timecoded.mp4"_s}))) << job.failureReason().toStdString();
     ASSERT_FALSE(alerts->alerts.isEmpty());
     const MCAlert &refusal = alerts->alerts.last();
     EXPECT_EQ(refusal.message, u"Bad Parameter Error"_s);
@@ -186,7 +171,7 @@ TEST_F(Mp4EditingTest, RefusedJoinIsRetriedOnCleanedCopies)
 TEST_F(Mp4EditingTest, JoinRefusedAgainOrCancelledFailsWithoutAResult)
 {
     const auto alerts = testsupport::recordAlerts();
-    EXPECT_FALSE(edit(job, joining({u"part1.mp4"_s, u"small.mp4"_s})));
+    EXPECT_FALSE(completes(job, joining({u"part1.mp4"_s, u"small.mp4"_s})));
     EXPECT_EQ(job.joinErrorCount(), 2);
     ASSERT_FALSE(alerts->alerts.isEmpty());
     EXPECT_EQ(alerts->alerts.last().informativeText, u"Retrying the join seems to have failed."_s);
@@ -196,7 +181,7 @@ TEST_F(Mp4EditingTest, JoinRefusedAgainOrCancelledFailsWithoutAResult)
 
     MCEditMp4Job cancelled;
     alerts->answer = MCAlertSecondButtonReturn;
-    EXPECT_FALSE(edit(cancelled, joining({u"part1.mp4"_s, u"small.mp4"_s})));
+    EXPECT_FALSE(completes(cancelled, joining({u"part1.mp4"_s, u"small.mp4"_s})));
     EXPECT_EQ(cancelled.joinErrorCount(), 1);
     EXPECT_FALSE(sawRow(u"Editing for Joining"_s));
     EXPECT_TRUE(saved(u"*.mp4"_s).isEmpty());
@@ -207,7 +192,7 @@ TEST_F(Mp4EditingTest, SplitsByTimeAndBySizeIntoTheSaveFolder)
     MCSelectionPtr selection = inspectedSelection(media(u"six.mp4"_s), MCWords::jobMp4Splitting);
     selection->splitType = u"time"_s;
     selection->initializeSplitForStartTime(u"00:00:02"_s, u"00:00:05"_s);
-    ASSERT_TRUE(edit(job, selection)) << job.failureReason().toStdString();
+    ASSERT_TRUE(completes(job, selection)) << job.failureReason().toStdString();
     EXPECT_EQ(saved(u"*"_s), QStringList{u"six.mp4.split_2_5.mp4"_s});
     EXPECT_NEAR(durationSeconds(savedPath(u"six.mp4.split_2_5.mp4"_s)), 3.0, 0.3);
     EXPECT_TRUE(sawRow(u"Splitting Videos Step #1="_s));
@@ -215,7 +200,7 @@ TEST_F(Mp4EditingTest, SplitsByTimeAndBySizeIntoTheSaveFolder)
     MCEditMp4Job bySize;
     selection->splitType = u"size"_s;
     selection->splitSize = u"1"_s;
-    ASSERT_TRUE(edit(bySize, selection)) << bySize.failureReason().toStdString();
+    ASSERT_TRUE(completes(bySize, selection)) << bySize.failureReason().toStdString();
     const QStringList pieces = saved(u"six.mp4.split_0*.mp4"_s);
     ASSERT_EQ(pieces.size(), 2) << saved(u"*"_s).join(u' ').toStdString();
     double total = 0.0;
@@ -229,7 +214,7 @@ TEST_F(Mp4EditingTest, SplitsByTimeAndBySizeIntoTheSaveFolder)
     MCEditMp4Job backwards;
     selection->splitType = u"time"_s;
     selection->initializeSplitForStartTime(u"00:00:04"_s, u"00:00:01"_s);
-    EXPECT_FALSE(edit(backwards, selection));
+    EXPECT_FALSE(completes(backwards, selection));
     EXPECT_TRUE(backwards.failureReason().contains(u"cannot split"_s)) << backwards.failureReason().toStdString();
     EXPECT_EQ(saved(u"*"_s).size(), 3);
 }
@@ -239,7 +224,7 @@ TEST_F(Mp4EditingTest, SetsThePixelAspectRatio)
     MCSelectionPtr selection = inspectedSelection(media(u"part1.mp4"_s), MCWords::jobParEditing);
     selection->userParWidth = u"40"_s;
     selection->userParHeight = u"33"_s;
-    ASSERT_TRUE(edit(job, selection)) << job.failureReason().toStdString();
+    ASSERT_TRUE(completes(job, selection)) << job.failureReason().toStdString();
     const QString result = savedPath(u"part1.mp4.newpar.mp4"_s);
     EXPECT_EQ(testsupport::mediaInfo(result, u"Video"_s, u"PixelAspectRatio"_s).left(5), u"1.212"_s);
     EXPECT_EQ(mediaTracks(result, u"Audio"_s).size(), 1);
@@ -247,7 +232,7 @@ TEST_F(Mp4EditingTest, SetsThePixelAspectRatio)
 
     MCEditMp4Job noRatio;
     selection->userParHeight = u"0"_s;
-    EXPECT_FALSE(edit(noRatio, selection));
+    EXPECT_FALSE(completes(noRatio, selection));
     EXPECT_EQ(saved(u"*.mp4"_s).size(), 1);
 }
 
@@ -284,7 +269,7 @@ TEST_F(Mp4EditingTest, AddsAudioAndSubtitleFilesToANewFile)
     subtitle->externalTrackFlag = true;
     subtitle->trackLanguage = u"French"_s;
     selection->trackList << dub << subtitle;
-    ASSERT_TRUE(edit(job, selection)) << job.failureReason().toStdString();
+    ASSERT_TRUE(completes(job, selection)) << job.failureReason().toStdString();
 
     // AC-3 makes it an M4V; the source's AAC stays the track that plays.
     const QString result = savedPath(u"part1.mp4.m4v"_s);
@@ -301,7 +286,7 @@ TEST_F(Mp4EditingTest, AddsAudioAndSubtitleFilesToANewFile)
     // A track the muxing would drop stops the job before it runs.
     MCEditMp4Job mp3;
     dub->trackCodec = u"mp3"_s;
-    EXPECT_FALSE(edit(mp3, selection));
+    EXPECT_FALSE(completes(mp3, selection));
     EXPECT_TRUE(mp3.failureReason().contains(u"AAC and AC-3 audio only"_s)) << mp3.failureReason().toStdString();
     EXPECT_TRUE(mp3.stepPIDList().isEmpty());
 }

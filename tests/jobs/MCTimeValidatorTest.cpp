@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // What the field holds after the editor applied a keystroke, before the mask.
@@ -52,12 +54,12 @@ TEST(MCTimeValidatorTest, MaskEdits)
 
 TEST(MCTimeValidatorTest, SecondsAndTexts)
 {
-    EXPECT_EQ(MCTimeValidator::convertTimeInSecondsFrom(QStringLiteral("1:75:80")), 8180);
-    EXPECT_EQ(MCTimeValidator::convertTimeInSecondsFrom(QStringLiteral("00:00:05,999")), 5);
-    EXPECT_EQ(MCTimeValidator::convertTimeInSecondsFrom(QStringLiteral("ab:cd")), 0);
-    EXPECT_EQ(MCTimeValidator::convertToTextTimeFrom(8180), QStringLiteral("02:16:20"));
-    EXPECT_EQ(MCTimeValidator::convertToTextTimeFrom(360000 + 61), QStringLiteral("100:01:01"));
-    EXPECT_EQ(MCTimeValidator::convertToTextTimeFrom(1e300), QStringLiteral("596523:14:07"));
+    EXPECT_EQ(MCTimeValidator::convertTimeInSecondsFrom(u"1:75:80"_s), 8180);
+    EXPECT_EQ(MCTimeValidator::convertTimeInSecondsFrom(u"00:00:05,999"_s), 5);
+    EXPECT_EQ(MCTimeValidator::convertTimeInSecondsFrom(u"ab:cd"_s), 0);
+    EXPECT_EQ(MCTimeValidator::convertToTextTimeFrom(8180), u"02:16:20"_s);
+    EXPECT_EQ(MCTimeValidator::convertToTextTimeFrom(360000 + 61), u"100:01:01"_s);
+    EXPECT_EQ(MCTimeValidator::convertToTextTimeFrom(1e300), u"596523:14:07"_s);
 }
 
 TEST(MCTimeValidatorTest, NotificationsCarryTheFieldAndTheText)
@@ -69,24 +71,24 @@ TEST(MCTimeValidatorTest, NotificationsCarryTheFieldAndTheText)
     });
 
     MCTimeValidator validator;
-    EXPECT_TRUE(validator.textShouldBeginEditing(QStringLiteral("00:00:00"), 0, 0));
-    validator.controlTextDidChange(QStringLiteral("startTimeTextField"), QStringLiteral("100:00:00"), 1);
+    EXPECT_TRUE(validator.textShouldBeginEditing(u"00:00:00"_s, 0, 0));
+    validator.controlTextDidChange(u"startTimeTextField"_s, u"100:00:00"_s, 1);
     // The remembered text follows the mask, so the next keystroke builds on it.
     const MCTimeEdit next =
-        validator.controlTextDidChange(QStringLiteral("startTimeTextField"), QStringLiteral("120:00:00"), 2);
-    EXPECT_EQ(next.text, QStringLiteral("12:00:00"));
-    EXPECT_EQ(validator.isValidObject(QStringLiteral("endTimeTextField"), QStringLiteral("00:90:00")),
-              QStringLiteral("01:30:00"));
+        validator.controlTextDidChange(u"startTimeTextField"_s, u"120:00:00"_s, 2);
+    EXPECT_EQ(next.text, u"12:00:00"_s);
+    EXPECT_EQ(validator.isValidObject(u"endTimeTextField"_s, u"00:90:00"_s),
+              u"01:30:00"_s);
 
     ASSERT_EQ(seen.size(), 3);
     EXPECT_EQ(seen[0].name, MCNotificationName::timeTextFieldChanged);
-    EXPECT_EQ(seen[0].object.toString(), QStringLiteral("10:00:00"));
-    EXPECT_EQ(seen[0].userInfo.value(QStringLiteral("textFieldID")).toString(),
-              QStringLiteral("startTimeTextField"));
+    EXPECT_EQ(seen[0].object.toString(), u"10:00:00"_s);
+    EXPECT_EQ(seen[0].userInfo.value(u"textFieldID"_s).toString(),
+              u"startTimeTextField"_s);
     EXPECT_EQ(seen[2].name, MCNotificationName::timeTextFieldExited);
-    EXPECT_EQ(seen[2].object.toString(), QStringLiteral("01:30:00"));
-    EXPECT_EQ(seen[2].userInfo.value(QStringLiteral("theTextField")).toString(),
-              QStringLiteral("endTimeTextField"));
+    EXPECT_EQ(seen[2].object.toString(), u"01:30:00"_s);
+    EXPECT_EQ(seen[2].userInfo.value(u"theTextField"_s).toString(),
+              u"endTimeTextField"_s);
 }
 
 } // namespace

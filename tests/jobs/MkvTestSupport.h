@@ -98,12 +98,20 @@ inline bool decodesCleanly(const QString &path)
            && errors.trimmed().isEmpty();
 }
 
-// Runs a job on a deep copy of the selection, as the queue would; true
-// once the job ended (Completed or Failed).
-inline bool runJob(MCJob &job, const MCSelectionPtr &selection, JobWatch &watch)
+// An MKV whose video track uses header removal compression, and whether a
+// file's tracks still do.
+inline QString headerRemovalMkv()
 {
-    job.jobSelection = selection->copy();
-    job.jobType = selection->jobType;
-    job.startJob();
-    return watch.waitForDone();
+    const QString path = editingMedia(u"hr.mkv"_s);
+    if (!QFile::exists(path))
+        testsupport::run(u"mkvmerge -o '%1' --compression 0:mpeg4_p2 '%2'"_s.arg(path, xvidAvi(u"hr.avi"_s, u"160x120"_s, 2)));
+    return path;
+}
+
+inline bool usesHeaderRemoval(const QString &path)
+{
+    QString info;
+    testsupport::run(u"mkvinfo '%1'"_s.arg(path), &info);
+    EXPECT_TRUE(info.contains(u"Track type: video"_s)) << path.toStdString();
+    return info.contains(u"header removal"_s);
 }
