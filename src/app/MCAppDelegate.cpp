@@ -493,18 +493,40 @@ void MCAppDelegate::startBatch()
 
 void MCAppDelegate::finishStartProcess()
 {
-    const QList<QUrl> urls = m_openedURLsArray;
-    for (qsizetype i = 1; i < urls.size(); ++i) {
-        m_lastLoadAnswer.clear();
-        if (testNewFileURL(urls.at(i), false) != kNewFileAdded || m_lastLoadAnswer.toLower() != QStringLiteral("ok")) {
-            emit batchFileSkipped(urls.at(i), m_lastLoadAnswer);
-            continue;
-        }
-        markEditTrackSources();
-        queueCurrentSelection();
-        if (redrawQueueDrawer)
-            redrawQueueDrawer();
+    // A batch started while another is still taken in joins its end.
+    const bool chainRunning = takingInBatch();
+    m_batchToTakeIn += m_openedURLsArray.mid(1);
+    if (!chainRunning)
+        takeInNextBatchFile();
+}
+
+// One file at a time: its inspection runs off this thread, beside the job
+// already running, and the queue's turn from one job to the next is never
+// held up by the files still to come.
+void MCAppDelegate::takeInNextBatchFile()
+{
+    if (m_batchToTakeIn.isEmpty())
+        return;
+    const QUrl url = m_batchToTakeIn.constFirst();
+    intakeProbe->inspect({url}, currentVideoFile->reportCache(), [this, url] {
+        if (!m_batchToTakeIn.isEmpty())
+            m_batchToTakeIn.removeFirst();
+        takeInBatchFile(url);
+        takeInNextBatchFile();
+    });
+}
+
+void MCAppDelegate::takeInBatchFile(const QUrl &url)
+{
+    m_lastLoadAnswer.clear();
+    if (testNewFileURL(url, false) != kNewFileAdded || m_lastLoadAnswer.toLower() != QStringLiteral("ok")) {
+        emit batchFileSkipped(url, m_lastLoadAnswer);
+        return;
     }
+    markEditTrackSources();
+    queueCurrentSelection();
+    if (redrawQueueDrawer)
+        redrawQueueDrawer();
 }
 
 // ---------------------------------------------------------------- help menu

@@ -93,6 +93,8 @@ public:
     bool startJob(const QString &jobType = {});
 
     void finishStartProcess();
+    // Whether later files of a batch are still being taken in.
+    bool takingInBatch() const { return !m_batchToTakeIn.isEmpty(); }
     // The save folder of a job from the current selection: the preference's,
     // or the source's folder.
     QString saveFolderForCurrentJob() const;
@@ -154,11 +156,14 @@ private:
     void alertErrorOpening(const QUrl &url, const QString &text, bool withAlerts) const;
     void offerHeaderRemovalRemux();
     void startBatch();
+    void takeInNextBatchFile();
+    void takeInBatchFile(const QUrl &url);
 
     QString m_fileTextField;
     QString m_openingFileMode;
     QStringList m_editFilesPathsArray;
     QList<QUrl> m_openedURLsArray;
+    QList<QUrl> m_batchToTakeIn;
     QString m_lastLoadAnswer;
     QString m_settingsFilePath;
     bool m_launched = false;

@@ -509,7 +509,7 @@ int MCCliSession::finish()
     QTimer::singleShot(kSettleMs, &loop, [&settled] { settled = true; });
     QTimer poll;
     connect(&poll, &QTimer::timeout, &loop, [&] {
-        if (m_signal != 0 || (settled && (m_dryRun || m_watcher->queueIsIdle())))
+        if (m_signal != 0 || (settled && !m_app->takingInBatch() && (m_dryRun || m_watcher->queueIsIdle())))
             loop.quit();
     });
     poll.start(kPollMs);

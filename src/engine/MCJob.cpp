@@ -253,6 +253,7 @@ void MCJob::addMonitorLoop(const MCMonitorPolicy &policy, std::function<void()> 
     if (jobIsCancelled())
         return;
     monitorQueue.start([this, policy, nextPhase = std::move(nextPhase)] {
+        rememberSourceSummaries();
         bool finished = false;
         while (!finished && !jobIsCancelled()) {
             finished = monitorTick(policy);
@@ -379,7 +380,8 @@ QString MCJob::checkResults() const
         if (!step)
             continue;
         for (const QString &path : step->resultPaths()) {
-            const QString problem = MCResultCheck::check(path, step->expectedResult);
+            const QString problem = MCResultCheck::check(path, step->expectedResult,
+                                                         [this](const QString &source) { return m_sourceSummaries.of(source); });
             if (!problem.isEmpty())
                 return QStringLiteral("The result %1 is not right: %2").arg(QFileInfo(path).fileName(), problem);
         }
@@ -403,6 +405,18 @@ void MCJob::finishJob(const QString &reason, const MCConverterPtr &failedStep)
         return;
     }
     publishResults(existingResults == ExistingResults::Replace);
+}
+
+// The sources are read while the tools run, on the monitor's thread: the
+// check at the end then waits for mediainfo on the result only.
+void MCJob::rememberSourceSummaries()
+{
+    QStringList sources;
+    for (const MCConverterPtr &step : stepConverterList()) {
+        if (step)
+            sources << step->expectedResult.durationSources;
+    }
+    m_sourceSummaries.remember(sources);
 }
 
 QStringList MCJob::stagedResults() const

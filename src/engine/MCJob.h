@@ -5,6 +5,7 @@
 #include "MCJobStaging.h"
 #include "MCMonitorPolicy.h"
 #include "MCSelection.h"
+#include "MCSourceSummaries.h"
 
 #include <QMutex>
 #include <QObject>
@@ -178,10 +179,12 @@ private:
     void removeFiles(const QStringList &paths);
     QStringList jobInputPaths() const;
     void warnIfSaveVolumeIsAlmostFull();
+    void rememberSourceSummaries();
 
     QString m_jobStatus = QStringLiteral("Queued");
     const quint64 m_jobSerial;
     MCJobStaging m_staging;
+    mutable MCSourceSummaries m_sourceSummaries;
 
     mutable QMutex m_mutex;
     QList<MCConverterPtr> m_stepConverterList;

@@ -39,19 +39,19 @@ QString countProblem(const char *kind, qsizetype found, int wanted)
     return QStringLiteral("it has %1 %2 tracks instead of %3").arg(found).arg(QLatin1String(kind)).arg(wanted);
 }
 
-double totalDuration(const QStringList &files)
+double totalDuration(const QStringList &files, const SummaryReader &readSource)
 {
     double total = 0.0;
     for (const QString &file : files)
-        total += MCMediaSummary::of(file).durationSeconds;
+        total += readSource(file).durationSeconds;
     return total;
 }
 
-QString durationProblem(double found, const MCResultExpectation &expected)
+QString durationProblem(double found, const MCResultExpectation &expected, const SummaryReader &readSource)
 {
     if (expected.durationSources.isEmpty())
         return {};
-    const double source = totalDuration(expected.durationSources);
+    const double source = totalDuration(expected.durationSources, readSource);
     if (source <= 0.0)
         return {}; // nothing to compare with
     double low = source;
@@ -78,7 +78,7 @@ double toleranceFor(double expectedSeconds)
     return std::max(1.0, expectedSeconds * 0.01);
 }
 
-QString check(const QString &path, const MCResultExpectation &expected)
+QString check(const QString &path, const MCResultExpectation &expected, const SummaryReader &readSource)
 {
     const QFileInfo file(path);
     if (!file.isFile())
@@ -95,10 +95,10 @@ QString check(const QString &path, const MCResultExpectation &expected)
         return QStringLiteral("it is cut short (is the disk full?)");
     int audioTracks = expected.audioTracks;
     if (expected.addedAudioTracks >= 0 && !expected.durationSources.isEmpty())
-        audioTracks = static_cast<int>(MCMediaSummary::of(expected.durationSources.first()).audioCount()) + expected.addedAudioTracks;
+        audioTracks = static_cast<int>(readSource(expected.durationSources.first()).audioCount()) + expected.addedAudioTracks;
     for (const QString &problem : {countProblem("video", summary.videoCount(), expected.videoTracks),
                                    countProblem("audio", summary.audioCount(), audioTracks),
-                                   durationProblem(summary.durationSeconds, expected)}) {
+                                   durationProblem(summary.durationSeconds, expected, readSource)}) {
         if (!problem.isEmpty())
             return problem;
     }

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "MCMediaSummary.h"
 #include "MCVideoTrack.h"
 
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 // What a finished result must look like before it may take its final name.
 // Steps carry one; the job checks every result against it.
@@ -38,8 +41,11 @@ namespace MCResultCheck {
 // or 1% of a long film.
 double toleranceFor(double expectedSeconds);
 
+using SummaryReader = std::function<MCMediaSummary(const QString &path)>;
+
 // "" when the file meets the expectation, else what is wrong with it, in
-// words a user can act on. Runs mediainfo; safe on any thread.
-QString check(const QString &path, const MCResultExpectation &expected);
+// words a user can act on. Runs mediainfo on the file; the sources' summaries
+// come from readSource. Safe on any thread.
+QString check(const QString &path, const MCResultExpectation &expected, const SummaryReader &readSource = MCMediaSummary::of);
 
 } // namespace MCResultCheck
