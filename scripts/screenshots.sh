@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Retakes docs/screenshots from the real window, driven as a person drives
 # it (keys and clicks through xdotool on a private Xvfb screen, state read
-# through the accessibility bus); see tests/gui/e2e/ScreenshotWalk.cpp.
+# through the accessibility bus); see scripts/screenshot-walk/ScreenshotWalk.cpp.
 # Usage: scripts/screenshots.sh [BUILD_DIR]
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)

@@ -5,18 +5,8 @@
 #include "MCJob.h"
 #include "MCMainWindow.h"
 #include "MCQueueController.h"
-#include "MCTrackTableModel.h"
 
-#include "TestSupport.h"
-
-#include <QApplication>
-#include <QDropEvent>
-#include <QFile>
-#include <QFileDialog>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QPushButton>
-#include <QSettings>
+#include <QtWidgets>
 #include <QTest>
 
 namespace guitest {
@@ -31,6 +21,14 @@ void dropOn(QWidget *target, const QList<QUrl> &urls)
         return; // refused, as the desktop would see it
     QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(target, &drop);
+}
+
+QList<QUrl> urls(const QStringList &paths)
+{
+    QList<QUrl> list;
+    for (const QString &path : paths)
+        list << QUrl::fromLocalFile(path);
+    return list;
 }
 
 QFileDialog *shownFileDialog()
@@ -51,9 +49,7 @@ QFileDialog *shownFileDialog()
 bool typeIntoFileDialog(const QString &path)
 {
     QFileDialog *dialog = shownFileDialog();
-    if (!dialog)
-        return false;
-    auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    auto *name = dialog ? dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")) : nullptr;
     if (!name)
         return false;
     // Typed with the focus in the field, as a person does: without it the
@@ -68,6 +64,15 @@ bool typeIntoFileDialog(const QString &path)
     return true;
 }
 
+void choose(QComboBox *popUp, const QString &item)
+{
+    const int index = popUp->findText(item);
+    ASSERT_GE(index, 0) << item.toStdString();
+    popUp->setCurrentIndex(index);
+    emit popUp->activated(index);
+    emit popUp->textActivated(item);
+}
+
 QString makeAvi(const QString &dir, const QString &name, int seconds, const QString &size)
 {
     return testsupport::ffmpeg(dir, name,
@@ -77,31 +82,50 @@ QString makeAvi(const QString &dir, const QString &name, int seconds, const QStr
                                    .arg(seconds));
 }
 
+QString writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size()) << path.toStdString();
+    return path;
+}
+
 QString makeSurroundMkv(const QString &dir)
 {
-    QFile srt(dir + QStringLiteral("/film.srt"));
-    if (srt.open(QIODevice::WriteOnly))
-        srt.write("1\n00:00:00,200 --> 00:00:01,500\nHello\n\n");
-    srt.close();
+    const QString srt = writeFile(dir + QStringLiteral("/film.srt"), "1\n00:00:00,200 --> 00:00:01,500\nHello\n\n");
     return testsupport::ffmpeg(dir, QStringLiteral("film.mkv"),
                                QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=2 -f lavfi -i sine=d=2:r=48000 "
                                               "-i '%1' -filter_complex '[1:a]pan=5.1|c0=c0|c1=c0|c2=c0|c3=c0|c4=c0|c5=c0[s]' "
                                               "-map 0:v -map '[s]' -map 2 -c:v libx264 -preset ultrafast -c:a ac3 "
                                               "-c:s srt -metadata:s:a:0 language=ger")
-                                   .arg(srt.fileName()));
+                                   .arg(srt));
 }
 
 QStringList described(const QString &path, const QString &kind, const QString &fields)
 {
     QString out;
     testsupport::run(QStringLiteral("mediainfo --Inform='%1;%2\\n' '%3'").arg(kind, fields, path), &out);
-    return out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QStringList tracks = out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    tracks.sort();
+    return tracks;
+}
+
+void forgetSavedSettings()
+{
+    QSettings settings(QStringLiteral("Kestrane"), QStringLiteral("Kestrane"));
+    settings.clear();
+    settings.sync();
 }
 
 void WindowTest::SetUp()
 {
     ASSERT_TRUE(dir.isValid());
     restart();
+}
+
+void WindowTest::TearDown()
+{
+    app->delegate()->stopAndEmptyQueue();
+    forgetSavedSettings();
 }
 
 void WindowTest::restart()
@@ -112,34 +136,53 @@ void WindowTest::restart()
     w = app->window();
 }
 
+void WindowTest::showTab(const QString &name)
+{
+    w->tabs->setCurrentIndex(MCMainWindow::tabNames().indexOf(name));
+}
+
+bool WindowTest::drop(QAbstractItemView *table, const QStringList &paths, int rows)
+{
+    dropOn(table->viewport(), urls(paths));
+    return testsupport::waitUntil([&] { return table->model()->rowCount() == rows; }, 20000);
+}
+
 QString WindowTest::loadAndTick(const QString &name, int seconds, const QString &size)
 {
     const QString path = makeAvi(dir.path(), name, seconds, size);
-    dropOn(w->trackTable->viewport(), {QUrl::fromLocalFile(path)});
-    if (!testsupport::waitUntil([&] { return w->trackModel->rowCount() == 2; }, 20000))
+    if (!drop(w->trackTable, {path}, 2))
         return {};
     w->toggleVideoButton->click();
     w->toggleAudioButton->click();
     return path;
 }
 
-MCJob *WindowTest::runningJob() const
+MCJob *WindowTest::queued() const
 {
-    MCJob *job = app->queue()->currentJob();
-    return job && !job->stepPIDList().isEmpty() ? job : nullptr;
+    const QList<MCJob *> jobs = app->queue()->qJobList();
+    return jobs.size() == 1 ? jobs.first() : nullptr;
 }
 
-void WindowTest::TearDown()
+QString WindowTest::finish(MCJob *job)
 {
-    app->delegate()->stopAndEmptyQueue();
-    forgetSavedSettings();
-}
-
-void forgetSavedSettings()
-{
-    QSettings settings(QStringLiteral("Kestrane"), QStringLiteral("Kestrane"));
-    settings.clear();
-    settings.sync();
+    const auto ended = [&] { return job->jobStatus() == QLatin1String("Completed") || job->jobStatus() == QLatin1String("Failed"); };
+    testsupport::waitUntil(ended, 120000);
+    return job->jobStatus();
 }
 
 } // namespace guitest
+
+// The window's tests need a QApplication (offscreen) and private settings.
+int main(int argc, char **argv)
+{
+    QTemporaryDir home;
+    qputenv("XDG_CONFIG_HOME", (home.path() + QStringLiteral("/config")).toUtf8());
+    qputenv("XDG_STATE_HOME", (home.path() + QStringLiteral("/state")).toUtf8());
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication::setOrganizationName(QStringLiteral("KestraneTests"));
+    QApplication::setApplicationName(QStringLiteral("kestrane-gui-tests"));
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

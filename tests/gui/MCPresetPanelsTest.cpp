@@ -1,26 +1,20 @@
-// The two preset editors: presets added, renamed, changed and removed in
-// the sheets reach the preferences' store when the sheet is closed.
+// The two preset editors: presets added, renamed, changed and removed in the
+// sheets, and the filter rows edited in their floating panels, reach the
+// preferences' store when the sheet is closed.
+#include "GuiTestSupport.h"
 #include "MCFilterButton.h"
-#include "MCGuiApplication.h"
-#include "MCMainWindow.h"
+#include "MCFilterPanel.h"
 #include "MCMp4TabRules.h"
 #include "MCPreferences.h"
 #include "MCPresetSelectionsPanel.h"
 #include "MCPresetSettingsPanel.h"
 #include "MCPresetsController.h"
 
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QListView>
-#include <QMainWindow>
-#include <QPushButton>
-#include <QStringListModel>
-#include <QTemporaryDir>
+#include <QtWidgets>
 
 namespace {
+
+using guitest::choose;
 
 class PresetPanelsTest : public ::testing::Test
 {
@@ -28,117 +22,107 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(dir.isValid());
-        preferences = std::make_unique<MCPreferences>(settingsFile());
-        presets = std::make_unique<MCPresetsController>(preferences.get(), nullptr);
-        presets->initialize();
+        presets.initialize();
         window.show();
     }
 
-    QString settingsFile() const { return dir.path() + QStringLiteral("/kestrane.ini"); }
-
-    // What a fresh start would read back.
-    QVariantList stored(bool selections) const
+    // The first stored preset as a fresh start would read it back.
+    QVariantMap stored(bool selections) const
     {
-        MCPreferences reread(settingsFile());
-        return selections ? reread.userPresetSelectionsList : reread.userPresetSettingsList;
+        MCPreferences reread(dir.filePath(QStringLiteral("kestrane.ini")));
+        return (selections ? reread.userPresetSelectionsList : reread.userPresetSettingsList).value(0).toMap();
     }
 
-    static void rename(QLineEdit *field, const QString &name)
+    static void type(QLineEdit *field, const QString &text)
     {
-        field->setText(name);
+        field->setText(text);
         emit field->editingFinished();
+    }
+    static void enter(QWidget *button)
+    {
+        QEnterEvent event(QPointF(5, 5), QPointF(5, 5), button->mapToGlobal(QPointF(5, 5)));
+        QApplication::sendEvent(button, &event);
+    }
+    static void leave(QWidget *button)
+    {
+        QEvent event(QEvent::Leave);
+        QApplication::sendEvent(button, &event);
     }
 
     QTemporaryDir dir;
-    std::unique_ptr<MCPreferences> preferences;
-    std::unique_ptr<MCPresetsController> presets;
+    MCPreferences preferences{dir.filePath(QStringLiteral("kestrane.ini"))};
+    MCPresetsController presets{&preferences, nullptr};
     QMainWindow window;
 };
 
-TEST_F(PresetPanelsTest, SelectionsEditorAddsRenamesAndRemovesUserPresets)
+TEST_F(PresetPanelsTest, SelectionsEditorAddsRenamesFiltersAndRemovesUserPresets)
 {
-    MCPresetSelectionsPanel panel(presets.get(), &window);
+    MCPresetSelectionsPanel panel(&presets, &window);
     panel.openPresetSelectionPanel();
-    EXPECT_TRUE(panel.isVisible());
-    EXPECT_EQ(panel.windowModality(), Qt::WindowModal);
-    EXPECT_EQ(panel.namesModel->stringList(), QStringList{QStringLiteral("First Track")});
-    EXPECT_FALSE(panel.removePresetButton->isEnabled()) << "built-in presets stay";
-    EXPECT_FALSE(panel.af1EditButton->isEnabled());
-
+    EXPECT_FALSE(panel.removePresetButton->isEnabled() || panel.af1EditButton->isEnabled()) << "built-in presets stay";
     panel.addPresetButton->click();
     EXPECT_EQ(panel.namesModel->stringList(), (QStringList{QStringLiteral("First Track"), QStringLiteral("User Preset")}));
     EXPECT_EQ(panel.selectionsTableController->currentIndex().row(), 1);
-    EXPECT_TRUE(panel.removePresetButton->isEnabled());
-    rename(panel.nameField, QStringLiteral("Manual"));
+    type(panel.nameField, QStringLiteral("Manual"));
     EXPECT_EQ(panel.nameField->text(), QStringLiteral("User Preset")) << "the hidden built-in's name is refused";
-    rename(panel.nameField, QStringLiteral("Two audio"));
-    panel.af2AddButton->click();
-    EXPECT_TRUE(panel.af2EditButton->isVisibleTo(&panel));
-    EXPECT_EQ(panel.af2AddButton->text(), QStringLiteral("-"));
+    type(panel.nameField, QStringLiteral("Two audio"));
     panel.firstVideoCheckBox->click();
+    panel.af2AddButton->click();
+    ASSERT_TRUE(panel.af2EditButton->isVisibleTo(&panel));
+
+    // The pointer shows a row's filter in the panel just below its button.
+    MCFilterPanel *filters = panel.audioFilterPanel;
+    MCFilterButton *second = panel.af2EditButton;
+    enter(second);
+    EXPECT_EQ(second->text(), QStringLiteral("Edit"));
+    ASSERT_TRUE(filters->isVisible());
+    const QPoint button = second->mapToGlobal(QPoint(0, 0));
+    EXPECT_EQ(filters->pos(), QPoint(button.x() + (second->width() - filters->width()) / 2, button.y() + 35));
+    leave(second);
+    EXPECT_EQ(second->text(), QStringLiteral("Filter #2"));
+    EXPECT_FALSE(filters->isVisible());
+
+    // A click edits it: the panel stays, the other audio rows wait, Done keeps it.
+    MCFilterButton *first = panel.af1EditButton;
+    enter(first);
+    first->click();
+    leave(first);
+    EXPECT_EQ(first->text(), QStringLiteral("Done"));
+    EXPECT_TRUE(filters->isVisible());
+    EXPECT_FALSE(second->isEnabled());
+    EXPECT_TRUE(panel.sf1EditButton->isEnabled()) << "subtitle rows are not held up";
+    choose(filters->trackChoicePopUp(), QStringLiteral("Tracks w/ Properties ..."));
+    EXPECT_TRUE(filters->languagePopUp()->isVisibleTo(filters) && !filters->trackNumberPopUp()->isVisibleTo(filters));
+    choose(filters->codecPopUp(), QStringLiteral("ac3"));
+    choose(filters->channelsPopUp(), QStringLiteral("Surround Only"));
+    first->click();
+    EXPECT_FALSE(filters->isVisible());
+    EXPECT_TRUE(second->isEnabled());
 
     panel.okButton->click();
-    EXPECT_FALSE(panel.isVisible());
-    EXPECT_EQ(presets->selectionMethodIndex(), 2);
-    QVariantList records = stored(true);
-    ASSERT_EQ(records.size(), 1);
-    const QVariantMap record = records.first().toMap();
+    EXPECT_EQ(presets.selectionMethodIndex(), 2);
+    const QVariantMap record = stored(true);
     EXPECT_EQ(record.value(QStringLiteral("pName")).toString(), QStringLiteral("Two audio"));
     EXPECT_EQ(record.value(QStringLiteral("pSelectedVideoTrack")).toString(), QStringLiteral("0"));
-    EXPECT_EQ(record.value(QStringLiteral("pAudioFilterArray")).toList().size(), 2);
+    const QVariantList audioFilters = record.value(QStringLiteral("pAudioFilterArray")).toList();
+    ASSERT_EQ(audioFilters.size(), 2);
+    EXPECT_EQ(audioFilters.first().toMap(),
+              MCPresetSelections::audioFilter(QStringLiteral("Tracks w/ Properties ..."), QStringLiteral("1"),
+                                              QStringLiteral("Any Language"), QStringLiteral("ac3"), QStringLiteral("Surround Only")));
 
     panel.openPresetSelectionPanel();
     EXPECT_EQ(panel.selectionsTableController->currentIndex().row(), 1) << "the preset in force is selected";
     panel.removePresetButton->click();
-    EXPECT_EQ(panel.namesModel->stringList(), QStringList{QStringLiteral("First Track")});
     panel.reject(); // closing the sheet keeps what was done, as OK does
     EXPECT_TRUE(stored(true).isEmpty());
-    EXPECT_EQ(presets->selectionMethodIndex(), 1);
+    EXPECT_EQ(presets.selectionMethodIndex(), 1);
 }
 
-TEST_F(PresetPanelsTest, SettingsEditorWritesTheChosenRowsIntoThePreset)
+TEST_F(PresetPanelsTest, SettingsEditorWritesTheChosenRowsAndTheTargetsDevicesIntoThePreset)
 {
-    MCPresetSettingsPanel panel(presets.get(), &window);
+    MCPresetSettingsPanel panel(&presets, &window);
     panel.openPresetSettingsPanel();
-    EXPECT_EQ(panel.namesModel->stringList(), QStringList{QStringLiteral("Extract Tracks")});
-    EXPECT_EQ(panel.typeOfProcessPopUp->currentText(), QStringLiteral("Extract"));
-    EXPECT_FALSE(panel.nameField->isEnabled());
-
-    panel.addPresetButton->click();
-    EXPECT_EQ(panel.devicePopUp->currentText(), QStringLiteral("Apple TV"));
-    EXPECT_EQ(panel.videoActionPopUp->currentText(), QStringLiteral("Best Guess (Quality)"));
-    EXPECT_FALSE(panel.widthField->isEnabled()) << "width is the source's";
-    panel.widthPopUp->setCurrentIndex(1);
-    emit panel.widthPopUp->activated(1);
-    EXPECT_TRUE(panel.widthField->isEnabled());
-    panel.widthField->setText(QStringLiteral("640"));
-    emit panel.widthField->editingFinished();
-    panel.videoActionPopUp->setCurrentIndex(2);
-    emit panel.videoActionPopUp->activated(2);
-    panel.surroundBitRatePopUp->setCurrentText(QStringLiteral("640"));
-    emit panel.surroundBitRatePopUp->textActivated(QStringLiteral("640"));
-
-    panel.okButton->click();
-    EXPECT_EQ(presets->settingMethodIndex(), 2);
-    const QVariantList records = stored(false);
-    ASSERT_EQ(records.size(), 1);
-    const QVariantMap record = records.first().toMap();
-    EXPECT_EQ(record.value(QStringLiteral("pWidthIndex")).toInt(), 1);
-    EXPECT_EQ(record.value(QStringLiteral("pWidth")).toString(), QStringLiteral("640"));
-    EXPECT_EQ(record.value(QStringLiteral("pVideoActionIndex")).toInt(), 2);
-    EXPECT_EQ(record.value(QStringLiteral("pSurroundBitRate")).toString(), QStringLiteral("640"));
-
-    panel.openPresetSettingsPanel();
-    panel.removePresetButton->click();
-    panel.okButton->click();
-    EXPECT_TRUE(stored(false).isEmpty());
-    EXPECT_EQ(presets->settingMethodIndex(), 1);
-}
-
-TEST_F(PresetPanelsTest, SettingsEditorOffersTheDevicesOfTheTarget)
-{
-    MCPresetSettingsPanel panel(presets.get(), &window);
-    panel.openPresetSettingsPanel();
+    EXPECT_FALSE(panel.nameField->isEnabled()) << "the built-in preset keeps its name";
     panel.addPresetButton->click();
     const auto offered = [&] {
         QStringList items;
@@ -147,35 +131,34 @@ TEST_F(PresetPanelsTest, SettingsEditorOffersTheDevicesOfTheTarget)
         return items;
     };
     EXPECT_FALSE(offered().contains(QStringLiteral("Apple TV 3")));
-    panel.targetPopUp->setCurrentText(QStringLiteral("MP4"));
-    emit panel.targetPopUp->textActivated(QStringLiteral("MP4"));
+    choose(panel.targetPopUp, QStringLiteral("MP4"));
     // The new preset's "Apple TV" is no MP4 device: still shown, last, until one is chosen.
     EXPECT_EQ(offered(), MCMp4TabRules::deviceList() + QStringList{QStringLiteral("Apple TV")});
-    panel.devicePopUp->setCurrentText(QStringLiteral("PS3"));
-    emit panel.devicePopUp->textActivated(QStringLiteral("PS3"));
+    choose(panel.devicePopUp, QStringLiteral("PS3"));
     EXPECT_EQ(offered(), MCMp4TabRules::deviceList());
-    panel.okButton->click();
-    const QVariantMap record = stored(false).value(0).toMap();
-    EXPECT_EQ(record.value(QStringLiteral("pTarget")).toString(), QStringLiteral("MP4"));
-    EXPECT_EQ(record.value(QStringLiteral("pDevice")).toString(), QStringLiteral("PS3"));
-}
 
-TEST(PresetEditorButtons, OpenTheEditorsAsSheetsOverTheWindow)
-{
-    MCGuiApplication app;
-    app.start({});
-    MCMainWindow *w = app.window();
-    auto *selections = w->findChild<MCPresetSelectionsPanel *>();
-    auto *settings = w->findChild<MCPresetSettingsPanel *>();
-    ASSERT_TRUE(selections && settings);
-    ASSERT_TRUE(w->editSelectionsButton->isEnabled() && w->editSettingsButton->isEnabled());
-    w->editSelectionsButton->click();
-    EXPECT_TRUE(selections->isVisible());
-    selections->okButton->click();
-    w->editSettingsButton->click();
-    EXPECT_TRUE(settings->isVisible());
-    settings->okButton->click();
-    EXPECT_FALSE(settings->isVisible());
+    EXPECT_FALSE(panel.widthField->isEnabled()) << "width is the source's";
+    panel.widthPopUp->setCurrentIndex(1);
+    emit panel.widthPopUp->activated(1);
+    ASSERT_TRUE(panel.widthField->isEnabled());
+    type(panel.widthField, QStringLiteral("640"));
+    panel.videoActionPopUp->setCurrentIndex(2);
+    emit panel.videoActionPopUp->activated(2);
+    choose(panel.surroundBitRatePopUp, QStringLiteral("640"));
+    panel.okButton->click();
+    EXPECT_EQ(presets.settingMethodIndex(), 2);
+    const QVariantMap record = stored(false);
+    const QList<std::pair<const char *, QVariant>> fields{
+        {"pTarget", QStringLiteral("MP4")}, {"pDevice", QStringLiteral("PS3")}, {"pWidthIndex", 1},
+        {"pWidth", QStringLiteral("640")}, {"pVideoActionIndex", 2}, {"pSurroundBitRate", QStringLiteral("640")}};
+    for (const auto &[key, value] : fields)
+        EXPECT_EQ(record.value(QString::fromLatin1(key)).toString(), value.toString()) << key;
+
+    panel.openPresetSettingsPanel();
+    panel.removePresetButton->click();
+    panel.okButton->click();
+    EXPECT_TRUE(stored(false).isEmpty());
+    EXPECT_EQ(presets.settingMethodIndex(), 1);
 }
 
 } // namespace

@@ -1,18 +1,14 @@
 #include "AccessibleTree.h"
 
-#include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusObjectPath>
-#include <QDBusVariant>
-#include <QUuid>
+#include <QtDBus>
 
 namespace {
 
 const QString kAccessible = QStringLiteral("org.a11y.atspi.Accessible");
-const QString kComponent = QStringLiteral("org.a11y.atspi.Component");
+const QString kProperties = QStringLiteral("org.freedesktop.DBus.Properties");
 
 // AT-SPI's state numbers.
-enum : uint { StateChecked = 4, StateEnabled = 8, StateFocused = 12, StateShowing = 25 };
+enum : uint { StateChecked = 4, StateEnabled = 8, StateShowing = 25 };
 
 struct Reference
 {
@@ -20,10 +16,93 @@ struct Reference
     QString path;
 };
 
-bool hasState(const QList<uint> &words, uint state)
+// The first value a call answers (invalid when it failed).
+QVariant call(const QDBusConnection &bus, const Reference &object, const QString &interface, const QString &method,
+              const QList<QVariant> &arguments = {})
 {
-    const int word = static_cast<int>(state / 32);
-    return word < words.size() && (words.at(word) & (1u << (state % 32)));
+    QDBusMessage message = QDBusMessage::createMethodCall(object.service, object.path, interface, method);
+    message.setArguments(arguments);
+    const QDBusMessage reply = bus.call(message, QDBus::Block, 2000);
+    return reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty() ? reply.arguments().first() : QVariant();
+}
+
+QVariant property(const QDBusConnection &bus, const Reference &object, const QString &name)
+{
+    return call(bus, object, kProperties, QStringLiteral("Get"), {kAccessible, name}).value<QDBusVariant>().variant();
+}
+
+Reference referenceIn(const QDBusArgument &argument)
+{
+    QString service;
+    QDBusObjectPath path;
+    argument.beginStructure();
+    argument >> service >> path;
+    argument.endStructure();
+    return {service, path.path()};
+}
+
+QList<Reference> childrenOf(const QDBusConnection &bus, const Reference &object)
+{
+    QList<Reference> children;
+    const QVariant list = call(bus, object, kAccessible, QStringLiteral("GetChildren"));
+    if (list.isValid()) {
+        const QDBusArgument array = list.value<QDBusArgument>();
+        array.beginArray();
+        while (!array.atEnd())
+            children.append(referenceIn(array));
+        array.endArray();
+    }
+    if (!children.isEmpty())
+        return children;
+    // Tables leave their cells out of GetChildren; they are asked one by one.
+    const int total = property(bus, object, QStringLiteral("ChildCount")).toInt();
+    for (int index = 0; index < total && index < 500; ++index) {
+        const QVariant child = call(bus, object, kAccessible, QStringLiteral("GetChildAtIndex"), {index});
+        if (child.isValid())
+            children.append(referenceIn(child.value<QDBusArgument>()));
+    }
+    return children;
+}
+
+QList<uint> statesOf(const QDBusConnection &bus, const Reference &object)
+{
+    const QVariant reply = call(bus, object, kAccessible, QStringLiteral("GetState"));
+    QList<uint> words;
+    if (reply.isValid())
+        reply.value<QDBusArgument>() >> words;
+    return words;
+}
+
+QRect extentsOf(const QDBusConnection &bus, const Reference &object)
+{
+    const QVariant reply = call(bus, object, QStringLiteral("org.a11y.atspi.Component"), QStringLiteral("GetExtents"),
+                                {QVariant::fromValue(0u)});
+    int x = 0, y = 0, width = 0, height = 0;
+    if (reply.isValid()) {
+        const QDBusArgument box = reply.value<QDBusArgument>();
+        box.beginStructure();
+        box >> x >> y >> width >> height;
+        box.endStructure();
+    }
+    return {x, y, width, height};
+}
+
+AccessibleTree::Node readNode(const QDBusConnection &bus, const Reference &object, int depth)
+{
+    AccessibleTree::Node node;
+    node.name = property(bus, object, QStringLiteral("Name")).toString();
+    node.role = call(bus, object, kAccessible, QStringLiteral("GetRoleName")).toString();
+    const QList<uint> states = statesOf(bus, object);
+    const auto has = [&](uint state) { return state / 32 < states.size() && (states.at(state / 32) & (1u << (state % 32))); };
+    node.showing = depth == 0 || has(StateShowing);
+    node.enabled = has(StateEnabled);
+    node.checked = has(StateChecked);
+    if (!node.showing || depth > 40)
+        return node; // hidden pages and closed menus are not read
+    node.extents = extentsOf(bus, object);
+    for (const Reference &child : childrenOf(bus, object))
+        node.children.append(readNode(bus, child, depth + 1));
+    return node;
 }
 
 } // namespace
@@ -39,122 +118,14 @@ AccessibleTree::~AccessibleTree()
     QDBusConnection::disconnectFromBus(m_connectionName);
 }
 
-namespace {
-
-QDBusMessage call(const QDBusConnection &bus, const QString &service, const QString &path, const QString &interface,
-                  const QString &method, const QList<QVariant> &arguments = {})
-{
-    QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
-    message.setArguments(arguments);
-    return bus.call(message, QDBus::Block, 2000);
-}
-
-Reference referenceIn(const QDBusArgument &argument)
-{
-    QString service;
-    QDBusObjectPath path;
-    argument.beginStructure();
-    argument >> service >> path;
-    argument.endStructure();
-    return {service, path.path()};
-}
-
-QList<Reference> childrenOf(const QDBusConnection &bus, const QString &service, const QString &path)
-{
-    QList<Reference> children;
-    const QDBusMessage reply = call(bus, service, path, kAccessible, QStringLiteral("GetChildren"));
-    if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()) {
-        const QDBusArgument list = reply.arguments().first().value<QDBusArgument>();
-        list.beginArray();
-        while (!list.atEnd())
-            children.append(referenceIn(list));
-        list.endArray();
-    }
-    if (!children.isEmpty())
-        return children;
-    // Tables leave their cells out of GetChildren; they are asked one by one.
-    const QDBusMessage count = call(bus, service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
-                                    QStringLiteral("Get"), {kAccessible, QStringLiteral("ChildCount")});
-    if (count.type() != QDBusMessage::ReplyMessage || count.arguments().isEmpty())
-        return children;
-    const int total = count.arguments().first().value<QDBusVariant>().variant().toInt();
-    for (int index = 0; index < total && index < 500; ++index) {
-        const QDBusMessage child = call(bus, service, path, kAccessible, QStringLiteral("GetChildAtIndex"), {index});
-        if (child.type() == QDBusMessage::ReplyMessage && !child.arguments().isEmpty())
-            children.append(referenceIn(child.arguments().first().value<QDBusArgument>()));
-    }
-    return children;
-}
-
-QString property(const QDBusConnection &bus, const QString &service, const QString &path, const QString &name)
-{
-    const QDBusMessage reply = call(bus, service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
-                                    QStringLiteral("Get"), {kAccessible, name});
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
-        return {};
-    return reply.arguments().first().value<QDBusVariant>().variant().toString();
-}
-
-QList<uint> statesOf(const QDBusConnection &bus, const QString &service, const QString &path)
-{
-    const QDBusMessage reply = call(bus, service, path, kAccessible, QStringLiteral("GetState"));
-    QList<uint> words;
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
-        return words;
-    const QDBusArgument list = reply.arguments().first().value<QDBusArgument>();
-    list.beginArray();
-    while (!list.atEnd()) {
-        uint word = 0;
-        list >> word;
-        words << word;
-    }
-    list.endArray();
-    return words;
-}
-
-QRect extentsOf(const QDBusConnection &bus, const QString &service, const QString &path)
-{
-    const QDBusMessage reply = call(bus, service, path, kComponent, QStringLiteral("GetExtents"), {QVariant::fromValue(0u)});
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
-        return {};
-    const QDBusArgument box = reply.arguments().first().value<QDBusArgument>();
-    int x = 0, y = 0, width = 0, height = 0;
-    box.beginStructure();
-    box >> x >> y >> width >> height;
-    box.endStructure();
-    return {x, y, width, height};
-}
-
-} // namespace
-
 AccessibleTree::Node AccessibleTree::read(const QString &applicationName) const
 {
-    const QString registry = QStringLiteral("org.a11y.atspi.Registry");
-    for (const Reference &application : childrenOf(m_bus, registry, QStringLiteral("/org/a11y/atspi/accessible/root"))) {
-        if (property(m_bus, application.service, application.path, QStringLiteral("Name")).compare(applicationName, Qt::CaseInsensitive) == 0)
-            return readNode(application.service, application.path, 0);
+    const Reference root{QStringLiteral("org.a11y.atspi.Registry"), QStringLiteral("/org/a11y/atspi/accessible/root")};
+    for (const Reference &application : childrenOf(m_bus, root)) {
+        if (property(m_bus, application, QStringLiteral("Name")).toString().compare(applicationName, Qt::CaseInsensitive) == 0)
+            return readNode(m_bus, application, 0);
     }
     return {};
-}
-
-AccessibleTree::Node AccessibleTree::readNode(const QString &service, const QString &path, int depth) const
-{
-    Node node;
-    node.name = property(m_bus, service, path, QStringLiteral("Name"));
-    const QDBusMessage role = call(m_bus, service, path, kAccessible, QStringLiteral("GetRoleName"));
-    if (role.type() == QDBusMessage::ReplyMessage && !role.arguments().isEmpty())
-        node.role = role.arguments().first().toString();
-    const QList<uint> states = statesOf(m_bus, service, path);
-    node.showing = depth == 0 || hasState(states, StateShowing);
-    node.enabled = hasState(states, StateEnabled);
-    node.checked = hasState(states, StateChecked);
-    node.focused = hasState(states, StateFocused);
-    if (!node.showing || depth > 40)
-        return node; // hidden pages and closed menus are not read
-    node.extents = extentsOf(m_bus, service, path);
-    for (const Reference &child : childrenOf(m_bus, service, path))
-        node.children.append(readNode(child.service, child.path, depth + 1));
-    return node;
 }
 
 QList<const AccessibleTree::Node *> AccessibleTree::Node::findAll(const std::function<bool(const Node &)> &matches) const
@@ -176,16 +147,13 @@ const AccessibleTree::Node *AccessibleTree::Node::find(const QString &role, cons
 
 QString AccessibleTree::dump(const Node &node, int depth)
 {
-    QString text = QString(depth * 2, QLatin1Char(' '))
-                   + QStringLiteral("%1 \"%2\" %3,%4 %5x%6%7%8%9\n")
-                         .arg(node.role, node.name)
-                         .arg(node.extents.x())
-                         .arg(node.extents.y())
-                         .arg(node.extents.width())
-                         .arg(node.extents.height())
-                         .arg(node.enabled ? QString() : QStringLiteral(" disabled"))
-                         .arg(node.checked ? QStringLiteral(" checked") : QString())
-                         .arg(node.focused ? QStringLiteral(" focused") : QString());
+    QString text = QStringLiteral("%1%2 \"%3\" %4,%5 %6x%7%8%9\n")
+                       .arg(QString(depth * 2, QLatin1Char(' ')), node.role, node.name)
+                       .arg(node.extents.x())
+                       .arg(node.extents.y())
+                       .arg(node.extents.width())
+                       .arg(node.extents.height())
+                       .arg(node.enabled ? QString() : QStringLiteral(" disabled"), node.checked ? QStringLiteral(" checked") : QString());
     for (const Node &child : node.children)
         text += dump(child, depth + 1);
     return text;

@@ -22,7 +22,6 @@ public:
         bool showing = false;
         bool enabled = false;
         bool checked = false;
-        bool focused = false;
         QList<Node> children;
 
         QPoint centre() const { return extents.center(); }
@@ -42,8 +41,6 @@ public:
     static QString dump(const Node &node, int depth = 0);
 
 private:
-    Node readNode(const QString &service, const QString &path, int depth) const;
-
     QString m_connectionName;
     QDBusConnection m_bus;
 };

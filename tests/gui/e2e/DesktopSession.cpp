@@ -1,12 +1,6 @@
 #include "DesktopSession.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QPoint>
-#include <QStandardPaths>
+#include <QtDBus>
 
 namespace {
 
@@ -59,8 +53,8 @@ DesktopSession::~DesktopSession()
 bool DesktopSession::startXvfb()
 {
     const QString xvfb = QStandardPaths::findExecutable(QStringLiteral("Xvfb"));
-    if (xvfb.isEmpty()) {
-        m_xvfbMissing = true;
+    m_xvfbMissing = xvfb.isEmpty();
+    if (m_xvfbMissing) {
         m_failure = QStringLiteral("Xvfb is not installed");
         return false;
     }
@@ -84,8 +78,7 @@ bool DesktopSession::startXvfb()
         m_failure = QStringLiteral("Xvfb could not start a screen here");
         return false;
     }
-    m_display = QLatin1Char(':') + QString::fromLatin1(number.trimmed());
-    m_environment.insert(QStringLiteral("DISPLAY"), m_display);
+    m_environment.insert(QStringLiteral("DISPLAY"), QLatin1Char(':') + QString::fromLatin1(number.trimmed()));
     return true;
 }
 
@@ -103,56 +96,44 @@ bool DesktopSession::startSessionBus()
     m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
     // Where the accessibility bus is; asking starts it.
     const QString name = QStringLiteral("e2e-session");
-    QString accessibility;
-    {
-        QDBusConnection session = QDBusConnection::connectToBus(address, name);
-        const QDBusMessage reply = session.call(
-            QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-                                           QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress")),
-            QDBus::Block, 10000);
-        if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
-            accessibility = reply.arguments().first().toString();
-    }
+    const QDBusMessage reply = QDBusConnection::connectToBus(address, name).call(
+        QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"), QStringLiteral("org.a11y.Bus"),
+                                       QStringLiteral("GetAddress")),
+        QDBus::Block, 10000);
     QDBusConnection::disconnectFromBus(name);
-    if (accessibility.isEmpty()) {
+    if (reply.type() == QDBusMessage::ReplyMessage)
+        m_accessibilityBus = reply.arguments().value(0).toString();
+    if (m_accessibilityBus.isEmpty())
         m_failure = QStringLiteral("no accessibility bus (at-spi2-core is needed; scripts/setup.sh installs it)");
-        return false;
-    }
-    m_accessibilityBus = accessibility;
-    return true;
+    return m_failure.isEmpty();
 }
 
-QString DesktopSession::xdotool(const QStringList &arguments) const
+bool DesktopSession::run(const QString &program, const QStringList &arguments, int timeoutMs) const
 {
     QProcess process;
     process.setProcessEnvironment(m_environment);
-    process.start(QStringLiteral("xdotool"), arguments);
-    if (!process.waitForFinished(10000) || process.exitCode() != 0)
-        return {};
-    return QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed();
+    process.start(program, arguments);
+    return process.waitForFinished(timeoutMs) && process.exitCode() == 0;
 }
 
 void DesktopSession::click(const QPoint &screenPoint) const
 {
-    xdotool({QStringLiteral("mousemove"), QString::number(screenPoint.x()), QString::number(screenPoint.y()),
-             QStringLiteral("click"), QStringLiteral("1")});
+    run(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QString::number(screenPoint.x()), QString::number(screenPoint.y()),
+                                    QStringLiteral("click"), QStringLiteral("1")});
 }
 
 void DesktopSession::key(const QString &keys) const
 {
-    xdotool(QStringList{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("60")}
-            + keys.split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    run(QStringLiteral("xdotool"), QStringList{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("60")}
+                                       + keys.split(QLatin1Char(' '), Qt::SkipEmptyParts));
 }
 
 void DesktopSession::type(const QString &text) const
 {
-    xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("40"), text});
+    run(QStringLiteral("xdotool"), {QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("40"), text});
 }
 
 bool DesktopSession::screenshot(const QString &path) const
 {
-    QProcess process;
-    process.setProcessEnvironment(m_environment);
-    process.start(QStringLiteral("import"), {QStringLiteral("-window"), QStringLiteral("root"), path});
-    return process.waitForFinished(20000) && process.exitCode() == 0;
+    return run(QStringLiteral("import"), {QStringLiteral("-window"), QStringLiteral("root"), path}, 20000);
 }

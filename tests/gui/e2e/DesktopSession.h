@@ -24,12 +24,8 @@ public:
     bool xvfbMissing() const { return m_xvfbMissing; }
 
     QProcessEnvironment environment() const { return m_environment; }
-    QString home() const { return m_home.path(); }
-    QString display() const { return m_display; }
     QString accessibilityBus() const { return m_accessibilityBus; }
 
-    // xdotool with these arguments; answers its output, empty on failure.
-    QString xdotool(const QStringList &arguments) const;
     void click(const QPoint &screenPoint) const;
     // Keys as xdotool names them, several separated by blanks ("Down Return").
     void key(const QString &keys) const;
@@ -39,12 +35,12 @@ public:
 
 private:
     bool startXvfb();
+    bool run(const QString &program, const QStringList &arguments, int timeoutMs = 10000) const;
     bool startSessionBus();
 
     QTemporaryDir m_home;
     QString m_failure;
     bool m_xvfbMissing = false;
-    QString m_display;
     QString m_accessibilityBus;
     QProcessEnvironment m_environment;
     std::unique_ptr<QProcess> m_xvfb;

@@ -6,17 +6,15 @@
 #include <QPoint>
 #include <QProcess>
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 #include <memory>
 
 class DesktopSession;
 
-// The real kestrane on a private desktop, used as a person uses it: it is
-// started as its desktop entry starts it, looked at through what it shows
-// to a screen reader, and driven with pointer and key events. The
-// end-to-end tests and the screenshot walk share it.
+// The real kestrane on a private desktop, used as a person uses it: looked
+// at through what it shows to a screen reader, and driven with pointer and
+// key events. The end-to-end test and the screenshot walk share it.
 class KestraneDriver
 {
 public:
@@ -31,27 +29,20 @@ public:
     QString start();
     QProcess &process() { return m_kestrane; }
     QString logPath() const;
-    // What the program asked the desktop to open (folders, logs, pages), in
-    // order; a stand-in for xdg-open notes them instead of opening them.
-    QStringList opened() const;
+
+    // Polls until done() holds or the time is up; answers done().
+    static bool within(int timeoutMs, const std::function<bool()> &done);
 
     // What the screen reader sees of the program now.
     Node window() const;
-    const Node *find(const QString &role, const QString &name);
-    const Node *findWhere(const std::function<bool(const Node &)> &matches);
     // Polls until a showing object matches; it stays readable until the next look.
     const Node *waitFor(const QString &role, const QString &name, int timeoutMs);
     const Node *waitForWhere(const std::function<bool(const Node &)> &matches, int timeoutMs);
     // Clicks the centre of an enabled object of that role and name.
     bool clickOn(const QString &role, const QString &name);
-    void click(const QPoint &point) const;
-    void rightClick(const QPoint &point) const;
-    void key(const QString &keys) const;
-    void type(const QString &text) const;
 
-    // File > Open... by its key and the path typed into Qt's own dialog;
-    // beforeReturn runs with the path typed (to photograph the dialog).
-    bool openThroughDialog(const QString &path, const std::function<void()> &beforeReturn = {});
+    // File > Open... by its key and the path typed into Qt's own dialog.
+    bool openThroughDialog(const QString &path);
 
     // The track table's rows: the check box cell and the track's name cell.
     struct TrackRow
@@ -72,7 +63,7 @@ public:
                      const QString &audioCodec = QStringLiteral("libmp3lame"));
 
 private:
-    QString openedListPath() const;
+    QList<const Node *> look(const std::function<bool(const Node &)> &matches);
 
     const DesktopSession &m_session;
     QString m_work;

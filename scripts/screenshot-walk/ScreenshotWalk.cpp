@@ -73,12 +73,12 @@ bool Walk::waitForCell(const std::function<bool(const QString &)> &matches, int 
 // shown is on screen as a label or a cell.
 bool Walk::openFiles(const QString &typed, const QString &shown)
 {
-    m_kestrane.key(QStringLiteral("ctrl+o"));
+    m_session.key(QStringLiteral("ctrl+o"));
     if (!m_kestrane.waitFor(QStringLiteral("dialog"), QStringLiteral("Select video file to open:"), 10000))
         return false;
     QThread::msleep(500);
-    m_kestrane.type(typed);
-    m_kestrane.key(QStringLiteral("Return"));
+    m_session.type(typed);
+    m_session.key(QStringLiteral("Return"));
     return m_kestrane.waitForWhere(
                [&](const Node &node) {
                    return node.showing && node.name == shown
@@ -107,7 +107,7 @@ QString Walk::run()
             dump.write(AccessibleTree::dump(m_kestrane.window()).toUtf8());
         m_session.screenshot(QDir(m_output).filePath(QStringLiteral("walk-failed.png")));
     }
-    m_kestrane.key(QStringLiteral("ctrl+q"));
+    m_session.key(QStringLiteral("ctrl+q"));
     m_kestrane.process().waitForFinished(10000);
     return failure;
 }
@@ -116,13 +116,13 @@ QString Walk::views()
 {
     KestraneDriver &k = m_kestrane;
     // The Open dialog with a path typed, then the file on the AVI tab.
-    k.key(QStringLiteral("ctrl+o"));
+    m_session.key(QStringLiteral("ctrl+o"));
     if (!k.waitFor(QStringLiteral("dialog"), QStringLiteral("Select video file to open:"), 10000))
         return QStringLiteral("no Open dialog");
     QThread::msleep(500);
-    k.type(m_holiday);
+    m_session.type(m_holiday);
     shot(QStringLiteral("open-dialog"));
-    k.key(QStringLiteral("Return"));
+    m_session.key(QStringLiteral("Return"));
     if (!k.waitFor(QStringLiteral("label"), m_holiday, 20000))
         return QStringLiteral("the clip did not load");
     if (const QString missing = need(k.tickAllTracks(), QStringLiteral("no ticks")); !missing.isEmpty())
@@ -168,7 +168,7 @@ QString Walk::views()
     if (!k.clickOn(QStringLiteral("combo box"), QStringLiteral("General")))
         return QStringLiteral("no device chooser");
     QThread::msleep(300);
-    k.key(QStringLiteral("Down Return"));
+    m_session.key(QStringLiteral("Down Return"));
     if (!k.clickOn(QStringLiteral("push button"), QStringLiteral("Convert")))
         return QStringLiteral("Convert is not enabled on the MP4 tab");
     const QString film = QFileInfo(m_concert).fileName();
@@ -181,11 +181,11 @@ QString Walk::views()
     }
     shot(QStringLiteral("main-mp4"));
 
-    k.key(QStringLiteral("ctrl+comma"));
+    m_session.key(QStringLiteral("ctrl+comma"));
     if (!k.waitFor(QStringLiteral("dialog"), QStringLiteral("Preferences"), 5000))
         return QStringLiteral("no preferences");
     shot(QStringLiteral("preferences"));
-    k.key(QStringLiteral("Escape"));
+    m_session.key(QStringLiteral("Escape"));
 
     // Both preset editors (the two Edit... buttons), each with a new preset being named.
     struct Editor
@@ -204,16 +204,16 @@ QString Walk::views()
         });
         if (edits.size() != editors.size())
             return QStringLiteral("no Edit... buttons");
-        k.click(edits.at(i)->centre());
+        m_session.click(edits.at(i)->centre());
         if (!k.waitFor(QStringLiteral("dialog"), editor.title, 5000))
             return QStringLiteral("no %1").arg(editor.title);
         if (!k.clickOn(QStringLiteral("push button"), QStringLiteral("+")))
             return QStringLiteral("no + in %1").arg(editor.title);
         // The new preset's name is chosen for typing over.
         QThread::msleep(300);
-        k.key(QStringLiteral("ctrl+a"));
-        k.type(editor.presetName);
-        k.key(QStringLiteral("Tab"));
+        m_session.key(QStringLiteral("ctrl+a"));
+        m_session.type(editor.presetName);
+        m_session.key(QStringLiteral("Tab"));
         shot(editor.file);
         if (!k.clickOn(QStringLiteral("push button"), QStringLiteral("OK")))
             return QStringLiteral("no OK in %1").arg(editor.title);
@@ -231,7 +231,7 @@ QString Walk::views()
         const Node *close = about ? about->find(QStringLiteral("push button"), QStringLiteral("Close")) : nullptr;
         if (!close)
             return QStringLiteral("no Close in the About box");
-        k.click(close->centre());
+        m_session.click(close->centre());
     }
 
     // The watch window stands in for the main window; its folder comes from Choose....
@@ -245,8 +245,8 @@ QString Walk::views()
     if (!k.waitFor(QStringLiteral("dialog"), QStringLiteral("Select the folder to watch."), 5000))
         return QStringLiteral("no folder chooser");
     QThread::msleep(500);
-    k.type(m_work.path());
-    k.key(QStringLiteral("Return"));
+    m_session.type(m_work.path());
+    m_session.key(QStringLiteral("Return"));
     if (!k.waitFor(QStringLiteral("push button"), QStringLiteral("End Watch Mode"), 10000))
         return QStringLiteral("no watch window");
     shot(QStringLiteral("watch-window"));
