@@ -131,9 +131,10 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
 
 QString MCQueueController::jobFileNameFor(const MCSelection &selection)
 {
+    // File-level edits are named after their first file, whatever file the
+    // track table holds.
     const bool named = !selection.videoTrackFileName.isEmpty() && selection.videoTrackFileName != QStringLiteral("none");
-    // File-level edits have no loaded source; their first file names them.
-    if (!named && !selection.editFilesURLsList.isEmpty())
+    if ((selection.editsFiles() || !named) && !selection.editFilesURLsList.isEmpty())
         return selection.editFilesURLsList.first().fileName();
     return selection.videoTrackFileName;
 }

@@ -23,7 +23,7 @@ QStringList sourcePaths(const MCJob &job)
     if (!job.jobSelection)
         return {job.jobFileName};
     const QString source = job.jobSelection->videoTrackFileURL.toLocalFile();
-    if (!source.isEmpty() && QFileInfo(source).fileName() == job.jobFileName)
+    if (!job.jobSelection->editsFiles() && !source.isEmpty() && QFileInfo(source).fileName() == job.jobFileName)
         return {source};
     QStringList paths;
     for (const QUrl &url : job.jobSelection->editFilesURLsList)

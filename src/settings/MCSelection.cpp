@@ -334,6 +334,13 @@ void MCSelection::logSelectionMuxingProperties() const
     logSelection(*this, [](const MCVideoTrack &track) { track.logMuxingTrackProperties(); });
 }
 
+bool MCSelection::editsFiles() const
+{
+    return !editFilesURLsList.isEmpty()
+           && (jobType.endsWith(QStringLiteral(" Joining")) || jobType.endsWith(QStringLiteral(" Splitting"))
+               || jobType == MCWords::jobParEditing);
+}
+
 QStringList MCSelection::sourcePaths() const
 {
     QStringList paths{videoTrackFileURL.toLocalFile(), videoTrackFilePath};

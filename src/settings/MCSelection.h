@@ -101,6 +101,9 @@ public:
     // Every file the selection reads, as absolute paths: its sources, the
     // files to edit and each track's own file.
     QStringList sourcePaths() const;
+    // A job of the Edit Files tab (joining, splitting, PAR): it works on
+    // editFilesURLsList, whatever file the track table holds.
+    bool editsFiles() const;
     void logSelectionMuxingProperties() const;
 
     // (name, value) pairs of the logged fields in log order, flags as 0 or 1.
