@@ -40,28 +40,6 @@ protected:
 
 } // namespace
 
-TEST_F(Mp4ConversionTest, GeneralMkvBecomesM4vWithAacPlayingBeforeSurroundAc3AndSubtitlesAsText)
-{
-    select(fullMkv(), u"General"_s);
-    const MCVideoTrackPtr surround = titled(*selection, u"Surround"_s);
-    surround->userCodec = u"ac3"_s;
-    surround->userNumberOfChannels = u"6"_s;
-    surround->userBitRate = u"384"_s;
-    ASSERT_TRUE(convert(job)) << job.failureReason().toStdString();
-
-    // AC-3 audio makes an M4V, whatever the device.
-    ASSERT_EQ(saved(u"*"_s), QStringList{u"all.mkv.m4v"_s});
-    const QString result = savedPath(u"all.mkv.m4v"_s);
-    EXPECT_EQ(described(result, u"Audio"_s, true), (QStringList{u"AAC/2/en/Commentary/Yes"_s, u"AC-3/6/de/Surround/No"_s}));
-    // The ASS subtitle went through the SRT dump; both keep language and title.
-    EXPECT_EQ(described(result, u"Text"_s, true), (QStringList{u"Timed Text//fr/French/Yes"_s, u"Timed Text//en/Signs/No"_s}));
-    EXPECT_NEAR(durationSeconds(result), durationSeconds(fullMkv()), 0.5);
-    EXPECT_TRUE(decodesCleanly(result));
-    EXPECT_TRUE(sawRow(u"Extracting Video="_s));
-    EXPECT_TRUE(sawRow(u"Converting Audio="_s));
-    EXPECT_TRUE(sawRow(u"Muxing Step #"_s));
-}
-
 TEST_F(Mp4ConversionTest, IpadCopyOfAnMp4GetsTheIpodFlavourAndLevel41OnKestranesCopy)
 {
     select(h264Clip(u"high51.mp4"_s, u"high"_s, u"5.1"_s), u"iPad 3/iPhone 4S"_s, u"aac"_s, u"2"_s, u"96"_s);

@@ -13,11 +13,8 @@ protected:
     void runStep(const MCConverterPtr &step, const MCSelectionPtr &selection)
     {
         StepsJob job;
-        job.jobSelection = selection;
         job.steps = {step};
-        JobWatch watch(job);
-        job.startJob();
-        EXPECT_TRUE(watch.waitForDone());
+        completes(job, selection);
     }
 
     void split(const QString &file, const QString &type, const QString &first, const QString &second = {})
