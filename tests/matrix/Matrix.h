@@ -141,6 +141,7 @@ struct PreparedSource
     QString path;
     MediaFacts facts;
     DecodedFacts decoded;
+    QString problem; // why it could not be made
 };
 
 // Runs kestrane-cli convert for one cell in its own folder (its own

@@ -47,22 +47,20 @@ QList<PreparedSource> prepareSources(const QString &filter, const QString &dir, 
     QList<PreparedSource> prepared;
     for (const MatrixSource &source : MatrixSource::all()) {
         if (source.fileName.contains(filter, Qt::CaseInsensitive) || source.name.contains(filter, Qt::CaseInsensitive))
-            prepared.append({source, {}, {}, {}});
+            prepared.append({source, {}, {}, {}, {}});
     }
-    QStringList problems(prepared.size());
     runParallel(workers, prepared.size(), [&](qsizetype i) {
         PreparedSource &item = prepared[i];
-        item.path = generateSource(item.source, dir, &problems[i]);
+        item.path = generateSource(item.source, dir, &item.problem);
         if (!item.path.isEmpty()) {
             item.facts = probeMedia(item.path);
             item.decoded = decodeMedia(item.path);
         }
     });
     *allMade = true;
-    for (qsizetype i = 0; i < prepared.size(); ++i) {
-        const PreparedSource &item = prepared.at(i);
+    for (const PreparedSource &item : std::as_const(prepared)) {
         if (item.path.isEmpty() || !item.facts.video.present || item.decoded.flash < 0 || item.decoded.soundStart < 0) {
-            print(u"cannot make %1: %2\n"_s.arg(item.source.name, problems.at(i)));
+            print(u"cannot make %1: %2\n"_s.arg(item.source.name, item.problem));
             *allMade = false;
         }
     }

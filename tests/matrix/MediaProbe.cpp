@@ -8,12 +8,8 @@
 
 QString ProcessResult::lastErrorLine() const
 {
-    const QStringList lines = err.split(u'\n', Qt::SkipEmptyParts);
-    for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
-        if (!line->trimmed().isEmpty())
-            return line->trimmed();
-    }
-    return u"(no message)"_s;
+    const QString text = err.trimmed();
+    return text.isEmpty() ? u"(no message)"_s : text.section(u'\n', -1).trimmed();
 }
 
 ProcessResult runProcess(const QString &program, const QStringList &arguments, const QProcessEnvironment &environment)
@@ -23,14 +19,10 @@ ProcessResult runProcess(const QString &program, const QStringList &arguments, c
     process.start(program, arguments);
     process.closeWriteChannel();
     ProcessResult result;
-    if (!process.waitForStarted()) {
-        result.err = u"cannot start %1"_s.arg(program);
-        return result;
-    }
     if (!process.waitForFinished(240000)) {
         process.kill();
         process.waitForFinished();
-        result.err = u"%1 did not end within 240 s"_s.arg(program);
+        result.err = u"%1 did not start, or did not end within 240 s"_s.arg(program);
         return result;
     }
     result.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
