@@ -32,7 +32,6 @@ TEST_F(MkvEditingTest, ExtractsEveryTrackIntoAFileOfItsOwn)
     EXPECT_EQ(saved(u"*"_s), (QStringList{u"all.mkv.a1.ac3"_s, u"all.mkv.a2.aac"_s, u"all.mkv.s1.srt"_s,
                                           u"all.mkv.s2.ass"_s, u"all.mkv.v1.h264"_s}));
     EXPECT_EQ(described(savedPath(u"all.mkv.a1.ac3"_s), u"Audio"_s), QStringList{u"AC-3/6//"_s});
-    EXPECT_EQ(testsupport::mediaInfo(savedPath(u"all.mkv.v1.h264"_s), u"Video"_s, u"Width"_s), u"160"_s);
     EXPECT_TRUE(readFile(savedPath(u"all.mkv.s1.srt"_s)).contains("Bonjour"));
     EXPECT_TRUE(sawRow(u"Extracting Audio Track="_s) || sawRow(u"Extracting Video Track=Complete"_s));
 
