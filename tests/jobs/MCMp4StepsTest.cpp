@@ -54,8 +54,8 @@ TEST_F(EditingTest, Mp4MuxerCommands)
         selection->theDevice = c.device;
         selection->userFPS = u"25"_s;
         selection->videoTrackPAR = c.par;
-        for (const QString &spec : c.tracks) {
-            const QStringList field = QString(spec).replace(u"SUBS"_s, subs).split(u'|');
+        for (const QString &written : c.tracks) {
+            const QStringList field = QString(written).replace(u"SUBS"_s, subs).split(u'|');
             const MCVideoTrackPtr track = makeTrack(field[0], field[1], field[2]);
             track->trackLanguage = field[3];
             track->trackTitle = field[4];
