@@ -1,62 +1,43 @@
-#include "MkvTestSupport.h"
 #include "MCMediaSummary.h"
 #include "MCMkvEditor.h"
 #include "MCMkvMuxer.h"
 #include "MCReMuxMkvJob.h"
-
+#include "MkvTestSupport.h"
 
 namespace {
-
-// Ten seconds of H.264 (a key frame every second), AAC and an SRT subtitle.
-QString movieMkv()
-{
-    const QString path = editingMedia(u"movie.mkv"_s);
-    QFile srt(editingMedia(u"movie.srt"_s));
-    if (!QFile::exists(path) && srt.open(QIODevice::WriteOnly)) {
-        srt.write("1\n00:00:00,300 --> 00:00:02,800\nHello\n\n");
-        srt.close();
-        testsupport::ffmpeg(
-            QFileInfo(path).path(), u"movie.mkv"_s,
-            QStringLiteral("-f lavfi -i testsrc2=s=160x120:r=25:d=10 -f lavfi -i sine=d=10 -i '%1' -map 0 -map 1 -map 2 "
-                           "-c:v libx264 -preset ultrafast -g 25 -c:a aac -c:s srt")
-                .arg(srt.fileName()));
-    }
-    return path;
-}
 
 class MkvStepsTest : public EditingTest
 {
 protected:
-    // Runs one step in a job of its own; answers its process number.
-    QString runStep(const MCConverterPtr &step, const MCSelectionPtr &selection)
+    // Runs one step in a job of its own.
+    void runStep(const MCConverterPtr &step, const MCSelectionPtr &selection)
     {
         StepsJob job;
-        job.jobSelection = selection;
         job.steps = {step};
-        JobWatch watch(job);
-        job.startJob();
-        EXPECT_TRUE(watch.waitForDone());
-        return job.stepPIDList().value(0);
+        completes(job, selection);
     }
 
-    QString split(const QString &file, const QString &type, const QString &first, const QString &second = {})
+    void split(const QString &file, const QString &type, const QString &first, const QString &second = {})
     {
         MCSelectionPtr selection = selectionFor(file, u"AVI Splitting"_s);
         selection->splitType = type;
         selection->splitStartTimeText = selection->splitSize = selection->splitDurationSeconds = first;
         selection->splitEndTimeText = second;
-        return runStep(std::make_shared<MCMkvEditor>(), selection);
+        runStep(std::make_shared<MCMkvEditor>(), selection);
     }
 
-    const QString source = movieMkv();
+    // Ten seconds of H.264 (a key frame every second), AAC and an SRT subtitle.
+    const QString srt = writeFile(editingMedia(u"movie.srt"_s), "1\n00:00:00,300 --> 00:00:02,800\nHello\n\n");
+    const QString source = clip(u"movie.mkv"_s, testInputs(u"160x120"_s, 10)
+                                                    + u"-i '%1' -map 0 -map 1 -map 2 -c:v libx264 -preset ultrafast -g 25 "
+                                                      "-c:a aac -c:s srt"_s.arg(srt));
 };
 
 } // namespace
 
 TEST_F(MkvStepsTest, MuxerKeepsChosenTracksOfEachFileWithTheirNamesAndLanguages)
 {
-    MCTrackList keep{makeTrack(u"Video"_s, u"h264"_s, source),
-                     makeTrack(u"External Subtitle"_s, u"srt"_s, editingMedia(u"movie.srt"_s)),
+    MCTrackList keep{makeTrack(u"Video"_s, u"h264"_s, source), makeTrack(u"External Subtitle"_s, u"srt"_s, srt),
                      makeTrack(u"Audio"_s, u"aac"_s, source)};
     keep[0]->trackLanguage = u"German"_s;
     keep[1]->trackForcedFlag = true;
@@ -68,10 +49,8 @@ TEST_F(MkvStepsTest, MuxerKeepsChosenTracksOfEachFileWithTheirNamesAndLanguages)
 
     QString json;
     testsupport::run(u"mkvmerge -J '%1'"_s.arg(savedPath(u"movie.mkv.removed.mkv"_s)), &json);
-    const QJsonArray tracks = QJsonDocument::fromJson(json.toUtf8()).object().value(u"tracks"_s).toArray();
-    const auto property = [&](int i, const char *key) {
-        return tracks.at(i).toObject().value(u"properties"_s).toObject().value(QLatin1String(key)).toVariant();
-    };
+    const QJsonArray tracks = QJsonDocument::fromJson(json.toUtf8())["tracks"_L1].toArray();
+    const auto property = [&](int i, const char *key) { return tracks[i]["properties"_L1][QLatin1String(key)].toVariant(); };
     // The movie's own subtitle stays out; the SRT comes last, from its own file.
     ASSERT_EQ(tracks.size(), 3);
     EXPECT_EQ(property(0, "language").toString(), u"ger"_s);
@@ -83,21 +62,19 @@ TEST_F(MkvStepsTest, MuxerKeepsChosenTracksOfEachFileWithTheirNamesAndLanguages)
 TEST_F(MkvStepsTest, SplitsBySizeAndWritesNothingWithoutAKeyFrameInTheRange)
 {
     // Two seconds of lossless noise, about 6 MB.
-    const QString noise = testsupport::ffmpeg(QFileInfo(source).path(), u"noise.mkv"_s,
-                                              QStringLiteral("-f lavfi -i 'nullsrc=s=320x240:r=25:d=2,geq=random(1)*255:128:128' "
-                                                             "-c:v libx264 -preset ultrafast -qp 0 -g 5"));
-    split(noise, u"size"_s, u"2"_s);
+    split(clip(u"noise.mkv"_s, u"-f lavfi -i 'nullsrc=s=320x240:r=25:d=2,geq=random(1)*255:128:128' "
+                               "-c:v libx264 -preset ultrafast -qp 0 -g 5"_s),
+          u"size"_s, u"2"_s);
     const QStringList parts = saved(u"noise.mkv.split-*.mkv"_s);
     EXPECT_GE(parts.size(), 2);
     EXPECT_LT(QFileInfo(savedPath(parts.value(0))).size(), 3000000);
 
     // No key frame inside the range: mkvmerge writes nothing.
-    const QString still = testsupport::ffmpeg(QFileInfo(source).path(), u"still.mkv"_s,
-                                              u"-f lavfi -i testsrc2=s=160x120:r=25:d=10 -c:v libx264 -g 250"_s);
-    const QByteArray sum = md5Of(still);
+    const QString still = clip(u"still.mkv"_s, u"-f lavfi -i testsrc2=s=160x120:r=25:d=10 -c:v libx264 -g 250"_s);
+    const QByteArray sum = testsupport::checksum(still);
     split(still, u"time"_s, u"00:00:02"_s, u"00:00:06"_s);
     EXPECT_EQ(saved(u"*.mkv"_s).size(), parts.size());
-    EXPECT_EQ(md5Of(still), sum);
+    EXPECT_EQ(testsupport::checksum(still), sum);
 }
 
 TEST_F(MkvStepsTest, JoinAppendsEveryFileAndNeverWritesOverAnInput)
@@ -118,7 +95,7 @@ TEST_F(MkvStepsTest, JoinAppendsEveryFileAndNeverWritesOverAnInput)
     QFile::copy(source, earlier);
     selection->editFilesURLsList = {QUrl::fromLocalFile(second), QUrl::fromLocalFile(earlier)};
     runStep(std::make_shared<MCMkvEditor>(), selection);
-    EXPECT_EQ(md5Of(earlier), md5Of(source));
+    EXPECT_EQ(testsupport::checksum(earlier), testsupport::checksum(source));
     EXPECT_NEAR(MCMediaSummary::of(second + u".joined (2).mkv"_s).durationSeconds, 20.0, 1.0);
 }
 

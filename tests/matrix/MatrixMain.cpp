@@ -1,15 +1,14 @@
 // The conversion matrix: generates the kinds of video people have, converts
 // each with the choices a user makes through the real kestrane-cli, and
-// judges every result. Prints the table; fails on any FAILED cell.
+// judges every result. Prints the table in Markdown, as docs/formats.md
+// shows it; fails on any FAILED cell.
 //
-//   conversion_matrix [--cli PATH] [--jobs N] [--only TEXT] [--markdown] [--keep]
+//   conversion_matrix [--cli PATH] [--jobs N] [--only TEXT] [--keep]
 
-#include "MatrixCell.h"
-#include "MatrixTable.h"
+#include "Matrix.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 
@@ -39,8 +38,7 @@ void runParallel(int workers, qsizetype count, const std::function<void(qsizetyp
 
 void print(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+    std::fputs(text.toUtf8().constData(), stdout);
     std::fflush(stdout);
 }
 
@@ -48,28 +46,54 @@ QList<PreparedSource> prepareSources(const QString &filter, const QString &dir, 
 {
     QList<PreparedSource> prepared;
     for (const MatrixSource &source : MatrixSource::all()) {
-        if (filter.isEmpty() || source.fileName.contains(filter, Qt::CaseInsensitive)
-            || source.name.contains(filter, Qt::CaseInsensitive))
-            prepared.append({source, {}, {}, {}});
+        if (source.fileName.contains(filter, Qt::CaseInsensitive) || source.name.contains(filter, Qt::CaseInsensitive))
+            prepared.append({source, {}, {}, {}, {}});
     }
-    std::vector<QString> problems(static_cast<size_t>(prepared.size()));
     runParallel(workers, prepared.size(), [&](qsizetype i) {
         PreparedSource &item = prepared[i];
-        item.path = generateSource(item.source, dir, &problems[static_cast<size_t>(i)]);
+        item.path = generateSource(item.source, dir, &item.problem);
         if (!item.path.isEmpty()) {
             item.facts = probeMedia(item.path);
             item.decoded = decodeMedia(item.path);
         }
     });
     *allMade = true;
-    for (qsizetype i = 0; i < prepared.size(); ++i) {
-        const PreparedSource &item = prepared.at(i);
+    for (const PreparedSource &item : std::as_const(prepared)) {
         if (item.path.isEmpty() || !item.facts.video.present || item.decoded.flash < 0 || item.decoded.soundStart < 0) {
-            print(QStringLiteral("cannot make %1: %2\n").arg(item.source.name, problems[static_cast<size_t>(i)]));
+            print(u"cannot make %1: %2\n"_s.arg(item.source.name, item.problem));
             *allMade = false;
         }
     }
     return prepared;
+}
+
+// The table in Markdown: "ok", "refused (n)", "FAILED (n)" or "-", with
+// the numbered reasons below it (equal reasons share one number).
+QString markdown(const QList<PreparedSource> &sources, const QList<MatrixChoice> &choices, const QList<Verdict> &verdicts)
+{
+    QStringList notes, headings;
+    for (const MatrixChoice &choice : choices)
+        headings << choice.heading;
+    QString text = u"| source | %1 |\n|---|"_s.arg(headings.join(u" | "_s)) + u"---|"_s.repeated(choices.size()) + u'\n';
+    for (qsizetype row = 0; row < sources.size(); ++row) {
+        QStringList line{sources.at(row).source.name};
+        for (qsizetype column = 0; column < choices.size(); ++column) {
+            const Verdict &verdict = verdicts.at(row * choices.size() + column);
+            if (verdict.outcome == Verdict::Outcome::Ok || verdict.outcome == Verdict::Outcome::NotApplicable) {
+                line << (verdict.outcome == Verdict::Outcome::Ok ? u"ok"_s : u"-"_s);
+                continue;
+            }
+            if (!notes.contains(verdict.detail))
+                notes << verdict.detail;
+            line << u"%1 (%2)"_s.arg(verdict.outcome == Verdict::Outcome::Refused ? u"refused"_s : u"FAILED"_s)
+                        .arg(notes.indexOf(verdict.detail) + 1);
+        }
+        text += u"| %1 |\n"_s.arg(line.join(u" | "_s));
+    }
+    text += u'\n';
+    for (qsizetype i = 0; i < notes.size(); ++i)
+        text += u"%1. %2\n"_s.arg(i + 1).arg(notes.at(i));
+    return text;
 }
 
 } // namespace
@@ -79,51 +103,35 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     QCommandLineParser parser;
     parser.addOptions({
-        {QStringLiteral("cli"), QStringLiteral("The kestrane-cli to drive."), QStringLiteral("path"),
-         QCoreApplication::applicationDirPath() + QStringLiteral("/kestrane-cli")},
-        {QStringLiteral("jobs"), QStringLiteral("Cells converted at once."), QStringLiteral("n"), QStringLiteral("3")},
-        {QStringLiteral("only"), QStringLiteral("Only sources whose name contains this."), QStringLiteral("text")},
-        {QStringLiteral("markdown"), QStringLiteral("Print the table as Markdown.")},
-        {QStringLiteral("keep"), QStringLiteral("Keep the work folder and print where it is.")},
+        {u"cli"_s, u"The kestrane-cli to drive."_s, u"path"_s, QCoreApplication::applicationDirPath() + u"/kestrane-cli"_s},
+        {u"jobs"_s, u"Cells converted at once."_s, u"n"_s, u"3"_s},
+        {u"only"_s, u"Only sources whose name contains this."_s, u"text"_s},
+        {u"keep"_s, u"Keep the work folder and print where it is."_s},
     });
     parser.process(app);
     if (qEnvironmentVariableIsEmpty("KESTRANE_RESOURCES"))
         qputenv("KESTRANE_RESOURCES", KESTRANE_BUILD_RESOURCES);
-    const int workers = std::max(1, parser.value(QStringLiteral("jobs")).toInt());
+    const int workers = std::max(1, parser.value(u"jobs"_s).toInt());
 
     QTemporaryDir work;
-    work.setAutoRemove(!parser.isSet(QStringLiteral("keep")));
-    if (parser.isSet(QStringLiteral("keep")))
-        print(QStringLiteral("work folder: %1\n").arg(work.path()));
+    work.setAutoRemove(!parser.isSet(u"keep"_s));
+    if (parser.isSet(u"keep"_s))
+        print(u"work folder: %1\n"_s.arg(work.path()));
     QElapsedTimer clock;
     clock.start();
     bool allMade = false;
-    const QList<PreparedSource> sources =
-        prepareSources(parser.value(QStringLiteral("only")), work.path(), std::min(workers, 2), &allMade);
+    const QList<PreparedSource> sources = prepareSources(parser.value(u"only"_s), work.path(), std::min(workers, 2), &allMade);
     const QList<MatrixChoice> choices = MatrixChoice::all();
-
-    QStringList rows;
-    for (const PreparedSource &source : sources)
-        rows << source.source.name;
-    QStringList columns;
-    for (const MatrixChoice &choice : choices)
-        columns << choice.heading;
-    MatrixTable table(rows, columns);
-
-    const qsizetype cells = sources.size() * choices.size();
-    runParallel(workers, cells, [&](qsizetype cell) {
-        const qsizetype row = cell / choices.size();
-        const qsizetype column = cell % choices.size();
-        const PreparedSource &source = sources.at(row);
-        const MatrixChoice &choice = choices.at(column);
-        if (source.path.isEmpty() || !choice.appliesTo(source.source))
-            return;
-        const QString folder = QStringLiteral("%1/cell-%2-%3").arg(work.path()).arg(row).arg(column);
-        const Verdict verdict = MatrixCell(source, choice, folder, parser.value(QStringLiteral("cli"))).run();
-        table.set(row, column, verdict);
+    QList<Verdict> verdicts(sources.size() * choices.size());
+    runParallel(workers, verdicts.size(), [&](qsizetype cell) {
+        const PreparedSource &source = sources.at(cell / choices.size());
+        const MatrixChoice &choice = choices.at(cell % choices.size());
+        if (!source.path.isEmpty() && choice.appliesTo(source.source))
+            verdicts[cell] = runCell(source, choice, u"%1/cell-%2"_s.arg(work.path()).arg(cell), parser.value(u"cli"_s));
     });
-
-    print(parser.isSet(QStringLiteral("markdown")) ? table.markdown() : table.plainText());
-    print(QStringLiteral("%1 sources, %2 s\n").arg(sources.size()).arg(clock.elapsed() / 1000));
-    return (allMade && table.failedCount() == 0) ? 0 : 1;
+    print(markdown(sources, choices, verdicts));
+    print(u"%1 sources, %2 s\n"_s.arg(sources.size()).arg(clock.elapsed() / 1000));
+    const bool failed = std::any_of(verdicts.cbegin(), verdicts.cend(),
+                                    [](const Verdict &verdict) { return verdict.outcome == Verdict::Outcome::Failed; });
+    return allMade && !failed ? 0 : 1;
 }
