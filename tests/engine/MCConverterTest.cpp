@@ -2,21 +2,12 @@
 #include "MCMkvExtractor.h"
 #include "MCMp4BoxStep.h"
 #include "MCMencoderVideo.h"
+#include "MCStepStatus.h"
 #include "TestSupport.h"
 
 #include <QFile>
 
 #include <gtest/gtest.h>
-
-TEST(MCConverterTest, LanguageTableLooksUpTheFirstRowOfAName)
-{
-    const MCConverter step;
-    EXPECT_EQ(step.language3CodeFor(QStringLiteral("Norwegian")), QStringLiteral("nor"));
-    EXPECT_EQ(step.language2CodeFor(QStringLiteral("Norwegian")), QStringLiteral("no"));
-    EXPECT_EQ(step.language3CodeFor(QStringLiteral("Bokmål")), QStringLiteral("nob"));
-    EXPECT_EQ(step.language3CodeFor(QStringLiteral("Klingon")), QStringLiteral("und"));
-    EXPECT_EQ(step.language2CodeFor(QString()), QStringLiteral("un"));
-}
 
 TEST(MCConverterTest, StringFoundInLogReadsOnlyTheLast20LinesAfterCarriageReturns)
 {
@@ -63,11 +54,11 @@ TEST(MCConverterTest, OutputsGoToTheSaveFolderOrBesideTheVideo)
 
 TEST(MCConverterTest, ProgressLinesOfEachTool)
 {
-    const QStringList mencoderLines = testsupport::readTestData(QStringLiteral("engine/mencoder-one-pass.log"))
-                                          .replace(QLatin1Char('\r'), QLatin1Char('\n'))
-                                          .split(QLatin1Char('\n'));
+    const auto lines = [](const char *log) {
+        return testsupport::readTestData(QString::fromLatin1(log)).replace(QLatin1Char('\r'), QLatin1Char('\n')).split(QLatin1Char('\n'));
+    };
     QStringList percents;
-    for (const QString &line : mencoderLines) {
+    for (const QString &line : lines("engine/mencoder-one-pass.log")) {
         if (const auto percent = MCMencoderVideo::percentFromPosLine(line); percent && !percents.contains(*percent))
             percents << *percent;
     }
@@ -75,15 +66,22 @@ TEST(MCConverterTest, ProgressLinesOfEachTool)
                                      QStringLiteral("10%"), QStringLiteral("102%")}));
     EXPECT_FALSE(MCMencoderVideo::percentFromPosLine(QStringLiteral("Selected audio codec: [mpg123] (x)")));
 
-    const QStringList extractLines = testsupport::readTestData(QStringLiteral("engine/mkvextract-subtitle.log"))
-                                         .replace(QLatin1Char('\r'), QLatin1Char('\n'))
-                                         .split(QLatin1Char('\n'));
+    const QStringList extractLines = lines("engine/mkvextract-subtitle.log");
     EXPECT_EQ(MCMkvExtractor::progressFromLine(extractLines.at(0)), QStringLiteral("error"));
     EXPECT_EQ(MCMkvExtractor::progressFromLine(extractLines.at(2)), QStringLiteral("100%"));
 
     EXPECT_EQ(MCMp4BoxStep::progressFromLine(QStringLiteral("Media Export: |=====     | (45/100)")), QStringLiteral("45%"));
     EXPECT_EQ(MCMp4BoxStep::progressFromLine(QString()), QStringLiteral("0%"));
     EXPECT_EQ(MCMp4BoxStep::progressFromLine(QStringLiteral("Extracting raw track")), QStringLiteral("error"));
+
+    // The window's bars and the command line's lines read the last
+    // percentage, held to a hundred; a step number must never pass for one.
+    EXPECT_EQ(MCStepStatus::percentIn(QStringLiteral("Pass #2: 37%")), 37.0);
+    EXPECT_EQ(MCStepStatus::percentIn(QStringLiteral("Muxing Step #3: 12.5 %")), 12.5);
+    EXPECT_EQ(MCStepStatus::percentIn(QStringLiteral("140%")), 100.0);
+    EXPECT_FALSE(MCStepStatus::percentIn(QStringLiteral("Pass 1 Complete")));
+    EXPECT_FALSE(MCStepStatus::percentIn(QStringLiteral("Muxing Step #2")));
+    EXPECT_FALSE(MCStepStatus::percentIn(QString()));
 }
 
 TEST(MCConverterTest, LastLogLineMatchesTheShellPipeline)
