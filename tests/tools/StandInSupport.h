@@ -61,6 +61,12 @@ inline QString everyTrack(const QString &path, const QString &kind, const QStrin
     return output.trimmed();
 }
 
+// Several mediainfo parameters of the first track of a kind, "/" between them.
+inline QString fields(const QString &path, const QString &kind, const QStringList &parameters)
+{
+    return everyTrack(path, kind, parameters.join(QStringLiteral("%/%"))).section(QLatin1Char('|'), 0, 0);
+}
+
 // The first line ffprobe prints for the video stream of `path` with `query`.
 inline QString probe(const QString &path, const QString &query)
 {
