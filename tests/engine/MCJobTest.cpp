@@ -92,12 +92,6 @@ TEST(MCJobTest, JobDoneKeepsOrRemovesLogsButNeverTheInput)
     job.logFilesToDeleteList = {log, input};
     job.tempFilesToDeleteList = {temp};
 
-    prefs.preferences->keepLogsFlag = true;
-    job.jobDone();
-    EXPECT_TRUE(QFile::exists(log));
-    EXPECT_TRUE(QFile::exists(temp));
-
-    prefs.preferences->keepLogsFlag = false;
     job.jobDone();
     EXPECT_FALSE(QFile::exists(log));
     EXPECT_FALSE(QFile::exists(temp));
