@@ -74,11 +74,8 @@ TEST(MCJobJournalTest, AnInterruptedJobComesBackWholeAndItsHalfWrittenFolderGoes
     // The whole record: values, lists, and tracks shared between lists.
     ASSERT_EQ(job.selection->trackList.size(), 2);
     EXPECT_EQ(job.selection->trackList.at(1)->userCodec, u"mp3"_s);
-    EXPECT_TRUE(job.selection->trackList.at(1)->createStereoCopyFlag);
     EXPECT_EQ(job.selection->keepTracksList.value(0).get(), job.selection->trackList.at(1).get());
     EXPECT_EQ(job.selection->editFilesURLsList, QList<QUrl>{QUrl::fromLocalFile(u"/films/a b.avi"_s)});
-    EXPECT_EQ(job.selection->userVideoBitRate, u"1200"_s);
-    EXPECT_TRUE(job.selection->headerRemovalFlag);
     EXPECT_EQ(MCSelectionJson::toJson(*job.selection), MCSelectionJson::toJson(*conversionOf(u"/films/clip.mkv"_s)));
 
     for (const MCJobJournal::Entry &entry : interrupted)

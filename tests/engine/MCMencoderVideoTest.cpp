@@ -49,7 +49,7 @@ protected:
 
 } // namespace
 
-TEST_F(MencoderOptions, OnePassEncodesMpeg4AndMixesSixChannelsDown)
+TEST_F(MencoderOptions, OneAndTwoPassLines)
 {
     const QString out = prefs.saveFolder + u"/clip.mkv"_s;
     EXPECT_EQ(command(), u"\"/videos/clip.mkv\" -vf harddup -ovc lavc -ffourcc xvid -lavcopts "
@@ -58,6 +58,17 @@ TEST_F(MencoderOptions, OnePassEncodesMpeg4AndMixesSixChannelsDown)
     EXPECT_TRUE(step.optionArray2.isEmpty());
     EXPECT_EQ(step.currentPass, 0);
     EXPECT_EQ(step.mencoderVersion, u"mencoder"_s);
+
+    // Two passes share everything but the pass options.
+    selection->userPassNumber = u"2"_s;
+    // The statistics live in the job's own folder, never in a shared place.
+    step.stagingFolder = u"/save/.kestrane-job-1 a"_s;
+    const QString first = command(1);
+    const QString second = command(2);
+    EXPECT_EQ(step.currentPass, 1);
+    EXPECT_TRUE(first.contains(u"vbitrate=900:vpass=1:turbo -passlogfile \"/save/.kestrane-job-1 a/passLogFile.log\" -oac mp3lame"_s));
+    QString firstWithoutPass = first;
+    EXPECT_EQ(firstWithoutPass.replace(u"vpass=1:turbo"_s, u"vpass=2"_s), second);
 }
 
 TEST_F(MencoderOptions, EachChoiceGivesItsOptions)
@@ -103,19 +114,6 @@ TEST_F(MencoderOptions, EachChoiceGivesItsOptions)
     selection->videoTrackFileExtension = u"MTS"_s;
     command();
     EXPECT_EQ(step.mencoderVersion, u"mencodernew"_s);
-}
-
-TEST_F(MencoderOptions, TwoPassesShareEverythingButThePassOptions)
-{
-    selection->userPassNumber = u"2"_s;
-    // The statistics live in the job's own folder, never in a shared place.
-    step.stagingFolder = u"/save/.kestrane-job-1 a"_s;
-    const QString first = command(1);
-    const QString second = command(2);
-    EXPECT_EQ(step.currentPass, 1);
-    EXPECT_TRUE(first.contains(u"vbitrate=900:vpass=1:turbo -passlogfile \"/save/.kestrane-job-1 a/passLogFile.log\" -oac mp3lame"_s));
-    QString firstWithoutPass = first;
-    EXPECT_EQ(firstWithoutPass.replace(u"vpass=1:turbo"_s, u"vpass=2"_s), second);
 }
 
 TEST_F(MencoderOptions, ReaderAndAudioIdFollowContainerAndCopy)

@@ -45,7 +45,7 @@ protected:
 
 } // namespace
 
-TEST_F(AviSplitTest, SplitsByTimeFromTheKeyFrameBeforeAndBySizeKeepingEveryFrame)
+TEST_F(AviSplitTest, SplitsByTimeFromTheKeyFrameBeforeAndBySizeKeepingEveryFrameEvenWithoutAnIndex)
 {
     const QString source = AviSplitTest::source(u"movie.avi"_s);
     const QString cut = target(u"movie.avi.split.avi"_s);
@@ -87,12 +87,10 @@ TEST_F(AviSplitTest, RefusesBadRequestsWithoutWritingAnything)
         EXPECT_TRUE(log.contains(bad.message)) << log.toStdString();
         EXPECT_EQ(standin::filesIn(out.path()), QStringList{u"clip.mkv"_s}) << bad.arguments.toStdString();
     }
-}
 
-TEST_F(AviSplitTest, FileCutShortWithoutItsIndexIsSplitWhole)
-{
+    // A file cut short without its index is split whole.
     const QString cutShort = target(u"short.avi"_s);
-    standin::write(cutShort, standin::contents(source(u"movie.avi"_s)).left(2400000));
+    standin::write(cutShort, standin::contents(source).left(2400000));
     const int packets = standin::videoPackets(cutShort);
     ASSERT_TRUE(split(u"-i \"%1\" -s 1 -H 0 -o \"%2\""_s.arg(cutShort, target(u"piece"_s))));
     EXPECT_NEAR(framesInPieces(u"piece"_s, 3), packets, 1);
