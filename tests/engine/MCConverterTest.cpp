@@ -42,20 +42,3 @@ TEST(MCConverterTest, ProgressLinesOfEachTool)
     EXPECT_FALSE(MCStepStatus::percentIn(u"Muxing Step #2"_s));
     EXPECT_FALSE(MCStepStatus::percentIn(QString()));
 }
-
-TEST(MCConverterTest, LastLogLineMatchesTheShellPipeline)
-{
-    QTemporaryDir dir;
-    QFile blankEnd(dir.filePath(u"blank-end.log"_s));
-    ASSERT_TRUE(blankEnd.open(QIODevice::WriteOnly));
-    blankEnd.write("Pos: 1s ( 3%)\rPos: 2s ( 5%)\n\n");
-    blankEnd.close();
-    const QStringList logs{testsupport::testDataPath(u"engine/mencoder-one-pass.log"_s),
-                           testsupport::testDataPath(u"engine/mkvextract-subtitle.log"_s),
-                           blankEnd.fileName(), dir.filePath(u"missing.log"_s)};
-    for (const QString &log : logs) {
-        const QString shell = MCHelpers::doUnixCommand(u"tr '\\r' '\\n' < "_s,
-                                                       {QUrl::fromLocalFile(log), u"| tail -1"_s});
-        EXPECT_EQ(MCConverter::lastLineOfFile(log), shell) << log.toStdString();
-    }
-}

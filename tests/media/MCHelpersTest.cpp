@@ -19,14 +19,6 @@ TEST(MCHelpersCommand, OptionsAreJoinedAndToolHeadsSetTheirEnvironment)
     EXPECT_TRUE(burning.contains(u"/fonts/fonts.conf\";\"/r/ffmpeg\""_s));
 }
 
-TEST(MCHelpersQuoting, ShellCharactersStayLiteral)
-{
-    for (const QString &name : {u"a$(echo hi)b"_s, u"it's \"here\""_s, u"back`tick`\\"_s, u"new\nline"_s}) {
-        EXPECT_EQ(MCHelpers::doUnixCommand(u"printf '%s'"_s, {MCHelpers::doubleQuotedFormOf(name)}), name);
-        EXPECT_EQ(MCHelpers::doUnixCommand(u"printf '%s'"_s, {MCHelpers::singleQuotedFormOf(name)}), name);
-    }
-}
-
 TEST(MCHelpersOutput, OneTrailingLineFeedGoesFailuresAnswerStandardErrorBadUtf8FallsBackToAscii)
 {
     const std::pair<QString, QString> cases[] = {
