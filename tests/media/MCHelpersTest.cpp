@@ -19,7 +19,7 @@ TEST(MCHelpersCommand, OptionsAreJoinedAndToolHeadsSetTheirEnvironment)
     EXPECT_TRUE(burning.contains(u"/fonts/fonts.conf\";\"/r/ffmpeg\""_s));
 }
 
-TEST(MCHelpersOutput, OneTrailingLineFeedGoesFailuresAnswerStandardErrorBadUtf8FallsBackToAscii)
+TEST(MCHelpersOutput, OneTrailingLineFeedGoesFailuresAnswerStandardErrorAndIntegerAndPathRules)
 {
     const std::pair<QString, QString> cases[] = {
         {u"printf 'a\\n\\n'"_s, u"a\n"_s},         {u"printf 'a\\r\\n'"_s, u"a\r"_s},
@@ -31,10 +31,8 @@ TEST(MCHelpersOutput, OneTrailingLineFeedGoesFailuresAnswerStandardErrorBadUtf8F
         EXPECT_EQ(MCHelpers::doUnixCommand(command, {}), expected) << command.toStdString();
     // A chatty foreground tool does not hang.
     EXPECT_EQ(MCHelpers::doUnixCommand(u"head -c 3000000 /dev/zero | tr '\\0' x"_s, {}).size(), 3000000);
-}
 
-TEST(MCHelpersTests, IntegerAndPathRules)
-{
+    // Integer and path rules.
     for (const char *yes : {"12", " 7", "12abc", "0", "-5"})
         EXPECT_TRUE(MCHelpers::isStringInteger(QString::fromLatin1(yes))) << yes;
     for (const char *no : {"00", "0.0", "-0", "", "abc"})

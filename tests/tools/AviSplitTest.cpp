@@ -20,11 +20,6 @@ protected:
         });
     }
 
-    static testing::AssertionResult split(const QString &arguments, QString *log = nullptr)
-    {
-        return standin::runs(u"avisplit"_s, arguments, log);
-    }
-
     // Checks every piece named `prefix`-NNNN.avi; answers their frames.
     int framesInPieces(const QString &prefix, int atLeast)
     {
@@ -49,7 +44,7 @@ TEST_F(AviSplitTest, SplitsByTimeFromTheKeyFrameBeforeAndBySizeKeepingEveryFrame
 {
     const QString source = AviSplitTest::source(u"movie.avi"_s);
     const QString cut = target(u"movie.avi.split.avi"_s);
-    ASSERT_TRUE(split(u"-i \"%1\" -t 00:00:03.5-00:00:07 -c -o \"%2\""_s.arg(source, cut)));
+    ASSERT_TRUE(standin::runs(u"avisplit"_s, u"-i \"%1\" -t 00:00:03.5-00:00:07 -c -o \"%2\""_s.arg(source, cut)));
     // 3.5 s asked; the start moves back to a key frame, at most one second.
     const double video = standin::seconds(cut, u"Video"_s);
     EXPECT_GE(video, 3.5 - 0.05);
@@ -59,7 +54,7 @@ TEST_F(AviSplitTest, SplitsByTimeFromTheKeyFrameBeforeAndBySizeKeepingEveryFrame
     EXPECT_EQ(testsupport::mediaInfo(cut, u"Video"_s, u"CodecID"_s), u"XVID"_s);
     QFile::remove(cut);
 
-    ASSERT_TRUE(split(u"-i \"%1\" -s 1 -H 0 -o \"%2\""_s.arg(source, cut)));
+    ASSERT_TRUE(standin::runs(u"avisplit"_s, u"-i \"%1\" -s 1 -H 0 -o \"%2\""_s.arg(source, cut)));
     EXPECT_EQ(framesInPieces(u"movie.avi.split"_s, 4), standin::integer(source, u"Video"_s, u"FrameCount"_s));
 }
 
@@ -82,7 +77,7 @@ TEST_F(AviSplitTest, RefusesBadRequestsWithoutWritingAnything)
     };
     for (const auto &bad : cases) {
         QString log;
-        EXPECT_FALSE(split(bad.arguments, &log)) << bad.arguments.toStdString();
+        EXPECT_FALSE(standin::runs(u"avisplit"_s, bad.arguments, &log)) << bad.arguments.toStdString();
         EXPECT_TRUE(log.contains(bad.message)) << log.toStdString();
         EXPECT_EQ(standin::filesIn(out.path()), QStringList{u"clip.mkv"_s}) << bad.arguments.toStdString();
     }
@@ -91,6 +86,6 @@ TEST_F(AviSplitTest, RefusesBadRequestsWithoutWritingAnything)
     const QString cutShort = target(u"short.avi"_s);
     standin::write(cutShort, standin::contents(source).left(2400000));
     const int packets = standin::videoPackets(cutShort);
-    ASSERT_TRUE(split(u"-i \"%1\" -s 1 -H 0 -o \"%2\""_s.arg(cutShort, target(u"piece"_s))));
+    ASSERT_TRUE(standin::runs(u"avisplit"_s, u"-i \"%1\" -s 1 -H 0 -o \"%2\""_s.arg(cutShort, target(u"piece"_s))));
     EXPECT_NEAR(framesInPieces(u"piece"_s, 3), packets, 1);
 }

@@ -81,7 +81,7 @@ TEST_F(MencoderFrontTest, XvidAviGetsAc3SurroundFromAnAudioFileOrPannedFromItsOw
     expectFiles({u"centre.avi.avi"_s, u"pass.log"_s, u"stereo.avi.avi"_s});
 }
 
-TEST_F(MencoderFrontTest, RawAacStereoDownMixFromAMatroskaTrack)
+TEST_F(MencoderFrontTest, RawAacStereoDownMixAndAudioIdsAsMencoderNumbersEachContainer)
 {
     const QString output = target(u"centre.mkv.temp.Audio.t0.added.aac"_s);
     // Matroska numbers -aid by audio track: 0 is the first.
@@ -93,10 +93,8 @@ TEST_F(MencoderFrontTest, RawAacStereoDownMixFromAMatroskaTrack)
     EXPECT_NEAR(standin::channelLoudness(output, u"FL"_s), standin::channelLoudness(output, u"FR"_s), 1.0);
     EXPECT_GT(standin::channelLoudness(output, u"FL"_s), -40.0);
     expectFiles({u"centre.mkv.temp.Audio.t0.added.aac"_s});
-}
 
-TEST_F(MencoderFrontTest, AudioIdIsReadAsMencoderNumbersEachContainer)
-{
+    // The audio id is read as MEncoder numbers each container.
     // A silent first audio track and a sounding second one.
     const QString twoTracks = u"-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i anullsrc=r=48000:cl=stereo "
                               "-f lavfi -i sine=f=440:r=48000 -t 2 -map 0 -map 1 -map 2 -c:v mpeg4 -ac 2 -c:a %1"_s;

@@ -28,7 +28,7 @@ protected:
 
 } // namespace
 
-TEST_F(Mp4EditTest, SplitsBySizeAndByTimeBesideTheFile)
+TEST_F(Mp4EditTest, SplitsAndExtractsBesideTheFileUnderThePredictedNames)
 {
     const QString film = copied(u"film.mp4"_s);
     QString log;
@@ -55,16 +55,13 @@ TEST_F(Mp4EditTest, SplitsBySizeAndByTimeBesideTheFile)
 
     EXPECT_FALSE(mp4box(u"-splitx 30:40 -isma -inter 500 \"%1\""_s.arg(film), &log));
     EXPECT_TRUE(log.contains(u"after the video's last frame"_s)) << log.toStdString();
-}
 
-TEST_F(Mp4EditTest, ExtractedTracksLandUnderThePredictedNames)
-{
-    // "Movie.MP4" keeps its whole name as the short name, as Kestrane predicts.
+    // Extracted tracks land under the names Kestrane predicts: "Movie.MP4"
+    // keeps its whole name as the short name.
     const QString movie = copied(u"tracks.mp4"_s, u"Movie.MP4"_s);
-    QString log;
     for (const QString &option : {u"-raw 1"_s, u"-raw 2"_s, u"-raw 3"_s, u"-srt 4"_s})
         ASSERT_TRUE(mp4box(u"\"%1\" %2"_s.arg(movie, option), &log)) << option.toStdString();
-    EXPECT_EQ(filesIn(out.path()), (QStringList{u"Movie.MP4"_s, u"Movie.MP4_4_text.srt"_s, u"Movie.MP4_track1.h264"_s,
+    EXPECT_EQ(filesIn(out.path()).filter(u"Movie.MP4"_s), (QStringList{u"Movie.MP4"_s, u"Movie.MP4_4_text.srt"_s, u"Movie.MP4_track1.h264"_s,
                                                 u"Movie.MP4_track2.aac"_s, u"Movie.MP4_track3.ac3"_s}));
     EXPECT_EQ(videoPackets(target(u"Movie.MP4_track1.h264"_s)), 75);
     EXPECT_EQ(contents(target(u"Movie.MP4_4_text.srt"_s)).trimmed(), contents(source(u"subs.srt"_s)).trimmed());
@@ -73,5 +70,5 @@ TEST_F(Mp4EditTest, ExtractedTracksLandUnderThePredictedNames)
     EXPECT_TRUE(log.contains(u"extract them with -srt"_s)) << log.toStdString();
     EXPECT_FALSE(mp4box(u"\"%1\" -srt 7"_s.arg(movie), &log));
     EXPECT_TRUE(log.contains(u"has no track 7"_s)) << log.toStdString();
-    EXPECT_EQ(filesIn(out.path()).size(), 5);
+    EXPECT_EQ(filesIn(out.path()).filter(u"Movie.MP4"_s).size(), 5);
 }
