@@ -23,14 +23,12 @@ TEST(MCConverterTest, ProgressLinesOfEachTool)
     }
     EXPECT_EQ(percents, (QStringList{u" 6%"_s, u" 7%"_s, u" 8%"_s,
                                      u"10%"_s, u"102%"_s}));
-    EXPECT_FALSE(MCMencoderVideo::percentFromPosLine(u"Selected audio codec: [mpg123] (x)"_s));
 
     const QStringList extractLines = lines("engine/mkvextract-subtitle.log");
     EXPECT_EQ(MCMkvExtractor::progressFromLine(extractLines.at(0)), u"error"_s);
     EXPECT_EQ(MCMkvExtractor::progressFromLine(extractLines.at(2)), u"100%"_s);
 
     EXPECT_EQ(MCMp4BoxStep::progressFromLine(u"Media Export: |=====     | (45/100)"_s), u"45%"_s);
-    EXPECT_EQ(MCMp4BoxStep::progressFromLine(QString()), u"0%"_s);
     EXPECT_EQ(MCMp4BoxStep::progressFromLine(u"Extracting raw track"_s), u"error"_s);
 
     // The window's bars and the command line's lines read the last

@@ -134,7 +134,6 @@ TEST_F(MencoderOptions, ReaderAndAudioIdFollowContainerAndCopy)
         {u"/videos/a.TS"_s, u"mpeg2"_s, false, u"-demuxer lavf -vf harddup"_s},
         {u"/videos/a.m2ts"_s, u"h264"_s, true, u"-demuxer lavf -ovc copy"_s},
         {u"/videos/a.vob"_s, u"mpeg2"_s, true, u"-demuxer lavf -ovc copy"_s},
-        {u"/videos/a.mpg"_s, u"mpeg2"_s, false, u"-demuxer lavf -vf harddup"_s},
         // MPlayer picks FFmpeg for Matroska itself, with the same numbers.
         {u"/videos/a.mkv"_s, u"h264"_s, false, u"\" -vf harddup"_s},
     };

@@ -63,11 +63,7 @@ TEST_F(MCVideoFileInspection, LoadsAGeneratedFileAndFindsHeaderRemovalThroughMkv
     ASSERT_EQ(file.initializeForURL(url(u"clip.avi"_s)), u"OK"_s);
     EXPECT_EQ(file.trackList.size(), 2);
     EXPECT_EQ(file.theVideoCodec, u"mpeg4"_s);
-    EXPECT_EQ(file.theWidth, u"320"_s);
     EXPECT_EQ(file.theFPS, u"25.000"_s);
-    EXPECT_EQ(file.theFileShortName, u"clip"_s);
-    EXPECT_EQ(file.pathToFileFolder, dir->path() + QLatin1Char('/'));
-    EXPECT_EQ(file.quickInitializeForURL(url(u"clip.avi"_s)), u"OK"_s);
     for (const auto &[name, squeezed] : {std::pair{u"clip.avi"_s, false}, std::pair{u"plain.mkv"_s, false},
                                          std::pair{u"squeezed.mkv"_s, true}}) {
         MCVideoFile mkv;

@@ -109,7 +109,6 @@ TEST_F(Mp4MuxTest, RefusesWhatItCannotDoAndWritesNothing)
         {u"-add \"%1#9\" -new \"%2\""_s.arg(film, made), u"has no track 9"_s},
         {u"-add \"%1\" -new \"%2\""_s.arg(text, made), u"not a media file"_s},
         {u"-add \"%1\" -new \"%2\""_s.arg(wav, made), u"cannot hold pcm_s16le"_s},
-        {u"-add \"%1\" -hint -new \"%2\""_s.arg(film, made), u"unknown option \"-hint\""_s},
         {u"-add \"%1\" -new \"%1\""_s.arg(film), u"is one of the inputs"_s},
         {u"-add \"%1\" -tmp \"%2/nowhere\" -new \"%3\""_s.arg(film, out.path(), made), u"is not a folder"_s},
         // An update in place that fails leaves the file as it was.
