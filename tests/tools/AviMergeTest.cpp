@@ -18,12 +18,10 @@ class AviMergeTest : public standin::MediaSuite
 protected:
     static void SetUpTestSuite()
     {
-        makeMedia([](const QString &dir) {
-            testsupport::ffmpeg(dir, u"movie.avi"_s, u"-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i sine=f=440:r=48000 "
-                                                     "-t 4 -c:v mpeg4 -vtag XVID -g 25 -c:a libmp3lame -b:a 128k"_s);
-            testsupport::ffmpeg(dir, u"surround.ac3"_s, u"-f lavfi -i sine=f=300:r=48000 -t 4 -ac 6 -c:a ac3 -b:a 384k"_s);
-            testsupport::ffmpeg(dir, u"voice.wav"_s, u"-f lavfi -i sine=f=300:r=48000 -t 4 -ac 2 -c:a pcm_s16le"_s);
-        });
+        makeMedia({{u"movie.avi"_s, u"-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i sine=f=440:r=48000 -t 4 -c:v mpeg4 "
+                                    "-vtag XVID -g 25 -c:a libmp3lame -b:a 128k"_s},
+                   {u"surround.ac3"_s, u"-f lavfi -i sine=f=300:r=48000 -t 4 -ac 6 -c:a ac3 -b:a 384k"_s},
+                   {u"voice.wav"_s, u"-f lavfi -i sine=f=300:r=48000 -t 4 -ac 2 -c:a pcm_s16le"_s}});
     }
     testing::AssertionResult merge(const QString &audio, const QString &output, QString *log = nullptr)
     {

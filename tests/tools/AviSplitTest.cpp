@@ -13,11 +13,8 @@ class AviSplitTest : public standin::MediaSuite
 protected:
     static void SetUpTestSuite()
     {
-        makeMedia([](const QString &dir) {
-            testsupport::ffmpeg(dir, u"movie.avi"_s, u"-f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=f=440:r=48000 "
-                                                     "-t 10 -c:v mpeg4 -vtag XVID -g 25 -b:v 3M -minrate 3M -maxrate 3M "
-                                                     "-bufsize 1M -c:a libmp3lame -b:a 128k"_s);
-        });
+        makeMedia({{u"movie.avi"_s, u"-f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=f=440:r=48000 -t 10 -c:v mpeg4 "
+                                    "-vtag XVID -g 25 -b:v 3M -minrate 3M -maxrate 3M -bufsize 1M -c:a libmp3lame -b:a 128k"_s}});
     }
 
     // Checks every piece named `prefix`-NNNN.avi; answers their frames.

@@ -25,15 +25,12 @@ class MencoderFrontTest : public standin::MediaSuite
 protected:
     static void SetUpTestSuite()
     {
-        makeMedia([](const QString &dir) {
-            testsupport::ffmpeg(dir, u"stereo.avi"_s, u"-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i sine=f=440:r=44100 "
-                                                      "-t 4 -c:v mpeg4 -vtag XVID -g 25 -ac 2 -c:a libmp3lame"_s);
-            testsupport::ffmpeg(dir, u"centre.avi"_s, u"-f lavfi -i testsrc=size=160x120:rate=25 "
-                                                      "-f lavfi -i 'aevalsrc=0|0|0.5*sin(2*PI*440*t)|0|0|0:c=5.1:s=44100' "
-                                                      "-t 4 -c:v mpeg4 -vtag XVID -g 25 -c:a ac3 -b:a 448k"_s);
-            testsupport::ffmpeg(dir, u"centre.mkv"_s, u"-i '%1/centre.avi' -c:v copy -c:a aac -b:a 256k"_s.arg(dir));
-            testsupport::ffmpeg(dir, u"surround.wav"_s, u"-f lavfi -i sine=f=300:r=48000 -t 4 -ac 6 -c:a pcm_s16le"_s);
-        });
+        makeMedia({{u"stereo.avi"_s, u"-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i sine=f=440:r=44100 -t 4 -c:v mpeg4 "
+                                     "-vtag XVID -g 25 -ac 2 -c:a libmp3lame"_s},
+                   {u"centre.avi"_s, u"-f lavfi -i testsrc=size=160x120:rate=25 -f lavfi -i 'aevalsrc=0|0|0.5*sin(2*PI*440*t)|0|0|0:c=5.1:s=44100' "
+                                     "-t 4 -c:v mpeg4 -vtag XVID -g 25 -c:a ac3 -b:a 448k"_s},
+                   {u"centre.mkv"_s, u"-i 'DIR/centre.avi' -c:v copy -c:a aac -b:a 256k"_s},
+                   {u"surround.wav"_s, u"-f lavfi -i sine=f=300:r=48000 -t 4 -ac 6 -c:a pcm_s16le"_s}});
     }
 
     static testing::AssertionResult mencoder(const QString &arguments, QString *log = nullptr)

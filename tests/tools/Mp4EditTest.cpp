@@ -14,15 +14,12 @@ class Mp4EditTest : public MediaSuite
 protected:
     static void SetUpTestSuite()
     {
-        makeMedia([](const QString &dir) {
-            write(dir + u"/subs.srt"_s, "1\n00:00:00,500 --> 00:00:01,500\nHello\n\n2\n00:00:02,000 --> 00:00:02,800\nWorld\n");
-            testsupport::ffmpeg(dir, u"film.mp4"_s, u"-f lavfi -i testsrc2=size=640x360:rate=25 -f lavfi -i sine=f=440:r=48000 -t 10 "
-                                                    "-c:v libx264 -g 25 -bf 2 -b:v 2M -minrate 2M -maxrate 2M -bufsize 1M -c:a aac"_s);
-            testsupport::ffmpeg(dir, u"tracks.mp4"_s,
-                                u"-f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=r=48000 -f lavfi -i sine=r=48000 "
-                                "-i '%1/subs.srt' -map 0 -map 1 -map 2 -map 3 -t 3 -c:v libx264 -bf 2 -c:a:0 aac "
-                                "-ac:a:1 6 -c:a:1 ac3 -c:s mov_text"_s.arg(dir));
-        });
+        makeMedia({{u"subs.srt"_s, {}, "1\n00:00:00,500 --> 00:00:01,500\nHello\n\n2\n00:00:02,000 --> 00:00:02,800\nWorld\n"},
+                   {u"film.mp4"_s, u"-f lavfi -i testsrc2=size=640x360:rate=25 -f lavfi -i sine=f=440:r=48000 -t 10 -c:v libx264 -g 25 "
+                                   "-bf 2 -b:v 2M -minrate 2M -maxrate 2M -bufsize 1M -c:a aac"_s},
+                   {u"tracks.mp4"_s, u"-f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=r=48000 -f lavfi -i sine=r=48000 "
+                                     "-i 'DIR/subs.srt' -map 0 -map 1 -map 2 -map 3 -t 3 -c:v libx264 -bf 2 -c:a:0 aac "
+                                     "-ac:a:1 6 -c:a:1 ac3 -c:s mov_text"_s}});
     }
 };
 

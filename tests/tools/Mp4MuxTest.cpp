@@ -26,16 +26,13 @@ class Mp4MuxTest : public MediaSuite
 protected:
     static void SetUpTestSuite()
     {
-        makeMedia([](const QString &dir) {
-            testsupport::ffmpeg(dir, u"clip.h264"_s, u"-f lavfi -i testsrc=size=320x240:rate=24000/1001 -frames:v 96 -c:v libx264 "
-                                                     "-bf 3 -b_strategy 0 -g 24 -pix_fmt yuv420p"_s);
-            testsupport::ffmpeg(dir, u"main.aac"_s, u"-f lavfi -i sine=f=440:r=48000 -t 4 -ac 2 -c:a aac"_s);
-            testsupport::ffmpeg(dir, u"surround.ac3"_s, u"-f lavfi -i sine=f=300:r=48000 -t 4 -ac 6 -c:a ac3"_s);
-            write(dir + u"/dumpsub.srt"_s, "1\n00:00:00,500 --> 00:00:01,500\nHello\n\n2\n00:00:02,000 --> 00:00:03,000\nWorld\n");
-            testsupport::ffmpeg(dir, u"film.mp4"_s, u"-f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=f=440:r=48000 -t 4 "
-                                                    "-c:v libx264 -g 25 -c:a aac"_s);
-            testsupport::ffmpeg(dir, u"movie.avi"_s, u"-f lavfi -i testsrc=size=320x240:rate=25 -t 4 -c:v mpeg4 -vtag XVID -bf 2 -g 25"_s);
-        });
+        makeMedia({{u"clip.h264"_s, u"-f lavfi -i testsrc=size=320x240:rate=24000/1001 -frames:v 96 -c:v libx264 -bf 3 -b_strategy 0 "
+                                    "-g 24 -pix_fmt yuv420p"_s},
+                   {u"main.aac"_s, u"-f lavfi -i sine=f=440:r=48000 -t 4 -ac 2 -c:a aac"_s},
+                   {u"surround.ac3"_s, u"-f lavfi -i sine=f=300:r=48000 -t 4 -ac 6 -c:a ac3"_s},
+                   {u"dumpsub.srt"_s, {}, "1\n00:00:00,500 --> 00:00:01,500\nHello\n\n2\n00:00:02,000 --> 00:00:03,000\nWorld\n"},
+                   {u"film.mp4"_s, u"-f lavfi -i testsrc=size=320x240:rate=25 -f lavfi -i sine=f=440:r=48000 -t 4 -c:v libx264 -g 25 -c:a aac"_s},
+                   {u"movie.avi"_s, u"-f lavfi -i testsrc=size=320x240:rate=25 -t 4 -c:v mpeg4 -vtag XVID -bf 2 -g 25"_s}});
     }
 };
 

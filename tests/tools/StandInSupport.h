@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 // Runs the tool stand-ins through the resource folder, as Kestrane does.
@@ -121,10 +120,24 @@ inline void write(const QString &path, const QByteArray &bytes)
 class MediaSuite : public ::testing::Test
 {
 protected:
-    static void makeMedia(const std::function<void(const QString &folder)> &make)
+    // ffmpeg's output for `arguments` (DIR standing for the media folder), or
+    // a file of `text` when there are no arguments.
+    struct Medium
+    {
+        QString name;
+        QString arguments;
+        QByteArray text = {};
+    };
+
+    static void makeMedia(const QList<Medium> &list)
     {
         media = std::make_unique<QTemporaryDir>();
-        make(media->path());
+        for (const Medium &medium : list) {
+            if (medium.arguments.isEmpty())
+                write(source(medium.name), medium.text);
+            else
+                testsupport::ffmpeg(media->path(), medium.name, QString(medium.arguments).replace(QStringLiteral("DIR"), media->path()));
+        }
         sums.clear();
         for (const QString &name : filesIn(media->path()))
             sums.insert(name, testsupport::checksum(source(name)));
