@@ -37,37 +37,6 @@ MCVideoTrackPtr makeTrack(const QString &type, const QString &codec, const QStri
     return track;
 }
 
-SleepStep::SleepStep(QString seconds)
-    : m_seconds(std::move(seconds))
-{
-    stepName = QStringLiteral("Sleeping");
-}
-
-QString SleepStep::startConversionFor(const MCSelectionPtr &selection)
-{
-    initializeFor(selection);
-    logFileURL = QUrl::fromLocalFile(outputFileURL.toLocalFile() + QStringLiteral(".sleep.log"));
-    return launchInBackground(QUrl::fromLocalFile(QStringLiteral("/bin/sleep")),
-                              {m_seconds, QStringLiteral("&>"), logFileURL, QStringLiteral("& echo $!")});
-}
-
-QString SleepStep::monitorConversion()
-{
-    return toolIsRunning() ? QStringLiteral("Sleeping") : QStringLiteral("Complete");
-}
-
-QStringList SleepStep::resultPaths() const
-{
-    return {};
-}
-
-ShellStep::ShellStep(QString script, QString outputName)
-    : m_script(std::move(script))
-    , m_outputName(std::move(outputName))
-{
-    stepName = QStringLiteral("Shell");
-}
-
 QString ShellStep::startConversionFor(const MCSelectionPtr &selection)
 {
     initializeFor(selection);
@@ -78,32 +47,6 @@ QString ShellStep::startConversionFor(const MCSelectionPtr &selection)
     return launchInBackground(QUrl::fromLocalFile(QStringLiteral("/bin/sh")),
                               {QStringLiteral("-c"), singleQuotedFormOf(script), QStringLiteral("&>"), logFileURL,
                                QStringLiteral("& echo $!")});
-}
-
-QString ShellStep::monitorConversion()
-{
-    return toolIsRunning() ? QStringLiteral("Working") : QStringLiteral("Complete");
-}
-
-ScriptedStep::ScriptedStep(QStringList words)
-    : m_words(std::move(words))
-{
-    stepName = QStringLiteral("Scripted");
-}
-
-QString ScriptedStep::startConversionFor(const MCSelectionPtr &)
-{
-    return QStringLiteral("error");
-}
-
-QString ScriptedStep::monitorConversion()
-{
-    return m_words.isEmpty() ? QStringLiteral("Complete") : m_words.takeFirst();
-}
-
-StepsJob::StepsJob(QObject *parent)
-    : MCJob(parent)
-{
 }
 
 void StepsJob::startJob()

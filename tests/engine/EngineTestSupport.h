@@ -27,27 +27,15 @@ private:
 
 MCVideoTrackPtr makeTrack(const QString &type, const QString &codec, const QString &filePath);
 
-// A step running "sleep SECONDS" with a log in the save folder.
-class SleepStep : public MCConverter
-{
-public:
-    explicit SleepStep(QString seconds);
-    QString startConversionFor(const MCSelectionPtr &selection) override;
-    QString monitorConversion() override;
-    QStringList resultPaths() const override;
-
-private:
-    QString m_seconds;
-};
-
 // A step running "sh -c SCRIPT" with OUT in the script standing for its
 // output file (named outputName in the save folder) and a log beside it.
 class ShellStep : public MCConverter
 {
 public:
-    ShellStep(QString script, QString outputName);
+    ShellStep(QString script, QString outputName)
+        : m_script(std::move(script)), m_outputName(std::move(outputName)) { stepName = QStringLiteral("Shell"); }
     QString startConversionFor(const MCSelectionPtr &selection) override;
-    QString monitorConversion() override;
+    QString monitorConversion() override { return toolIsRunning() ? QStringLiteral("Working") : QStringLiteral("Complete"); }
 
 private:
     QString m_script;
@@ -59,9 +47,9 @@ private:
 class ScriptedStep : public MCConverter
 {
 public:
-    explicit ScriptedStep(QStringList words);
-    QString startConversionFor(const MCSelectionPtr &selection) override;
-    QString monitorConversion() override;
+    explicit ScriptedStep(QStringList words) : m_words(std::move(words)) { stepName = QStringLiteral("Scripted"); }
+    QString startConversionFor(const MCSelectionPtr &) override { return QStringLiteral("error"); }
+    QString monitorConversion() override { return m_words.isEmpty() ? QStringLiteral("Complete") : m_words.takeFirst(); }
 
 private:
     QStringList m_words;
@@ -72,7 +60,7 @@ class StepsJob : public MCJob
 {
     Q_OBJECT
 public:
-    explicit StepsJob(QObject *parent = nullptr);
+    explicit StepsJob(QObject *parent = nullptr) : MCJob(parent) {}
 
     QList<MCConverterPtr> steps;
     bool useStartMonitor = false;

@@ -1,6 +1,5 @@
 #include "EngineTestSupport.h"
 #include "MCJobFactory.h"
-#include "MCJobStaging.h"
 #include "MCQueueController.h"
 #include "MCResultCheck.h"
 #include "MCNotificationCenter.h"
@@ -19,6 +18,19 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+void write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QByteArray read(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 // A job of one shell step, run until the queue would see "jobDone".
 class JobResultsTest : public ::testing::Test
 {
@@ -32,19 +44,6 @@ protected:
                                                           });
         input = prefs.dir.filePath(u"clip.avi"_s);
         write(input, "the user's film");
-    }
-
-    static void write(const QString &path, const QByteArray &bytes)
-    {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-
-    static QByteArray read(const QString &path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     void run(const QString &script, const QString &outputName = u"clip.avi.avi"_s)
@@ -108,24 +107,6 @@ TEST_F(JobResultsTest, AnEmptyOrMissingResultIsAFailureEvenWhenTheToolSaysFine)
     EXPECT_TRUE(saveFolderEntries().isEmpty()) << saveFolderEntries().join(u", "_s).toStdString();
 }
 
-TEST_F(JobResultsTest, AResultNeverReplacesWhatStandsAtItsName)
-{
-    // A hard link to the source and a planted link to another file both
-    // stand where the result would go; neither is written through.
-    const QString victim = prefs.dir.filePath(u"victim.txt"_s);
-    write(victim, "keep me");
-    ASSERT_EQ(::link(QFile::encodeName(input).constData(),
-                     QFile::encodeName(prefs.saveFolder + u"/clip.avi.avi"_s).constData()),
-              0);
-    ASSERT_TRUE(QFile::link(victim, prefs.saveFolder + u"/clip.avi (2).avi"_s));
-    run(u"printf film > OUT"_s);
-    ASSERT_FALSE(job.hasFailed()) << job.failureReason().toStdString();
-    EXPECT_EQ(job.resultPaths(), QStringList{prefs.saveFolder + u"/clip.avi (3).avi"_s});
-    EXPECT_EQ(read(input), "the user's film");
-    EXPECT_EQ(read(victim), "keep me");
-    EXPECT_EQ(read(job.resultPaths().value(0)), "film");
-}
-
 TEST_F(JobResultsTest, ASaveFolderThatCannotTakeFilesFailsTheJobBeforeAnyToolRuns)
 {
     // Gone since the job was queued (an unplugged disk, say).
@@ -136,20 +117,8 @@ TEST_F(JobResultsTest, ASaveFolderThatCannotTakeFilesFailsTheJobBeforeAnyToolRun
     EXPECT_TRUE(job.failureReason().contains(u"cannot write into the save folder"_s)) << job.failureReason().toStdString();
 }
 
-TEST(MCJobStagingTest, NumberedNamesKeepTheLastExtension)
-{
-    EXPECT_EQ(MCJobStaging::numberedName(u"movie.mkv.avi"_s, 2), u"movie.mkv (2).avi"_s);
-    EXPECT_EQ(MCJobStaging::numberedName(u"README"_s, 3), u"README (3)"_s);
-    EXPECT_EQ(MCJobStaging::numberedName(u".hidden"_s, 2), u".hidden (2)"_s);
-}
-
 TEST(MCToolLogTest, SummaryKeepsTheToolsLastWordsWithoutProgress)
 {
-    const QStringList mencoder{u"MEncoder 1.5-12.2.0"_s, u"Pos:   0.1s      3f ( 1%)  0.00fps"_s,
-                               u"Audio format 0x4134 is incompatible with '-oac copy', please try '-oac pcm' instead"_s,
-                               u""_s, u"Exiting..."_s, u""_s};
-    EXPECT_EQ(MCToolLog::failureSummary(mencoder),
-              u"MEncoder 1.5-12.2.0 / Audio format 0x4134 is incompatible with '-oac copy', please try '-oac pcm' instead / Exiting..."_s);
     const QStringList mkvmerge{u"Progress: 10%"_s, u"Progress: 20%"_s, u"Error: The file 'x.mkv' could not be opened."_s};
     EXPECT_EQ(MCToolLog::failureSummary(mkvmerge, 2), u"Error: The file 'x.mkv' could not be opened."_s);
     EXPECT_TRUE(MCToolLog::failureSummary({u"Importing | (20/100)"_s, u"  45%"_s}).isEmpty());
@@ -157,111 +126,62 @@ TEST(MCToolLogTest, SummaryKeepsTheToolsLastWordsWithoutProgress)
     EXPECT_EQ(MCToolLog::failureSummary({u"bad"_s, u"bad"_s, u"bad"_s}), u"bad"_s);
 }
 
-// Results made once: a good AVI, and damaged forms of it.
-class ResultCheckTest : public ::testing::Test
+TEST(MCResultCheckTest, AcceptsTheRealThingAndNamesWhatIsWrongWithTheRest)
 {
-protected:
-    static void SetUpTestSuite()
-    {
-        good = testsupport::ffmpeg(folder.path(), u"good.avi"_s,
-                                   u"-f lavfi -i testsrc2=s=160x120:r=25:d=4 -f lavfi -i sine=d=4 -c:v mpeg4 -c:a mp2"_s);
-    }
+    QTemporaryDir folder;
+    const auto clip = [&](const QString &name, int seconds) {
+        return testsupport::ffmpeg(folder.path(), name, u"-f lavfi -i testsrc2=s=160x120:r=25:d=%1 -f lavfi -i sine=d=%1 "
+                                                        "-c:v mpeg4 -c:a mp2"_s.arg(seconds));
+    };
+    const QString good = clip(u"good.avi"_s, 4);
+    const auto copyOf = [&](const QString &name, const QByteArray &bytes) {
+        write(folder.filePath(name), bytes);
+        return folder.filePath(name);
+    };
+    MCResultExpectation avi;
+    avi.media = true;
+    avi.videoTracks = 1;
+    avi.audioTracks = 1;
+    avi.durationSources = {good};
 
-    static QString cutCopy(const QString &name, qint64 bytes)
-    {
-        QFile in(good);
-        in.open(QIODevice::ReadOnly);
-        const QString path = folder.filePath(name);
-        QFile out(path);
-        out.open(QIODevice::WriteOnly);
-        out.write(in.read(bytes));
-        return path;
-    }
-
-    static MCResultExpectation aviOf(const QString &source)
-    {
-        MCResultExpectation avi;
-        avi.media = true;
-        avi.videoTracks = 1;
-        avi.audioTracks = 1;
-        avi.durationSources = {source};
-        return avi;
-    }
-
-    static inline QTemporaryDir folder;
-    static inline QString good;
-};
-
-TEST_F(ResultCheckTest, AcceptsTheRealThingAndNamesWhatIsWrongWithTheRest)
-{
-    EXPECT_EQ(MCResultCheck::check(good, aviOf(good)), QString());
-    EXPECT_EQ(MCResultCheck::check(folder.filePath(u"missing.avi"_s), aviOf(good)), u"it was not written"_s);
-    EXPECT_EQ(MCResultCheck::check(cutCopy(u"empty.avi"_s, 0), aviOf(good)), u"it is empty"_s);
+    EXPECT_EQ(MCResultCheck::check(good, avi), QString());
+    EXPECT_EQ(MCResultCheck::check(folder.filePath(u"missing.avi"_s), avi), u"it was not written"_s);
+    EXPECT_EQ(MCResultCheck::check(copyOf(u"empty.avi"_s, {}), avi), u"it is empty"_s);
     // A disk that filled up mid-way: the headers promise more than there is.
-    EXPECT_EQ(MCResultCheck::check(cutCopy(u"cut.avi"_s, QFileInfo(good).size() / 2), aviOf(good)),
+    EXPECT_EQ(MCResultCheck::check(copyOf(u"cut.avi"_s, read(good).left(QFileInfo(good).size() / 2)), avi),
               u"it is cut short (is the disk full?)"_s);
-    const QString text = folder.filePath(u"notes.avi"_s);
-    QFile notes(text);
-    notes.open(QIODevice::WriteOnly);
-    notes.write("not a film at all\n");
-    notes.close();
-    EXPECT_EQ(MCResultCheck::check(text, aviOf(good)), u"it cannot be read as media"_s);
+    EXPECT_EQ(MCResultCheck::check(copyOf(u"notes.avi"_s, "not a film at all\n"), avi), u"it cannot be read as media"_s);
 
-    MCResultExpectation silent = aviOf(good);
+    MCResultExpectation silent = avi;
     silent.audioTracks = 0;
     EXPECT_EQ(MCResultCheck::check(good, silent), u"it has 1 audio tracks instead of 0"_s);
-    const QString shorter = testsupport::ffmpeg(folder.path(), u"short.avi"_s,
-                                                u"-f lavfi -i testsrc2=s=160x120:r=25:d=1 -f lavfi -i sine=d=1 -c:v mpeg4 -c:a mp2"_s);
-    EXPECT_TRUE(MCResultCheck::check(shorter, aviOf(good)).startsWith(u"it lasts 1.0 s where 4.0 s were expected"_s))
-        << MCResultCheck::check(shorter, aviOf(good)).toStdString();
+    const QString shorter = MCResultCheck::check(clip(u"short.avi"_s, 1), avi);
+    EXPECT_TRUE(shorter.startsWith(u"it lasts 1.0 s where 4.0 s were expected"_s)) << shorter.toStdString();
     // A cut of [1, 9) from a 4-second film ends with the film.
-    MCResultExpectation cut = aviOf(good);
+    MCResultExpectation cut = avi;
     cut.rangeStart = 1.0;
     cut.rangeEnd = 9.0;
-    EXPECT_EQ(MCResultCheck::check(testsupport::ffmpeg(folder.path(), u"three.avi"_s,
-                                                       u"-f lavfi -i testsrc2=s=160x120:r=25:d=3 -f lavfi -i sine=d=3 -c:v mpeg4 -c:a mp2"_s),
-                                   cut),
-              QString());
+    EXPECT_EQ(MCResultCheck::check(clip(u"three.avi"_s, 3), cut), QString());
 }
 
-TEST(PreferencesHandOver, TheQueueHandsItsPreferencesToJobsAndJobsToTheirSteps)
+TEST_F(JobResultsTest, TheQueueHandsItsPreferencesToJobsAndJobsToTheirSteps)
 {
-    PrivatePreferences installed;
     QTemporaryDir elsewhere;
     MCPreferences own(elsewhere.filePath(u"own.ini"_s));
     own.saveDirectoryURL = QUrl::fromLocalFile(elsewhere.path());
     own.keepLogsFlag = false;
-
     MCJobFactory::instance().registerJobType(u"MCConvertToAviJob"_s, [](QObject *parent) { return new StepsJob(parent); });
     {
         MCQueueController queue(nullptr, &own);
-        queue.addToQueue(selectionFor(installed.dir.filePath(u"clip.avi"_s)));
+        queue.addToQueue(selectionFor(input));
         ASSERT_EQ(queue.qJobList().size(), 1);
         EXPECT_EQ(queue.qJobList().first()->appPreferences, &own);
     }
-
     // A step writes where its job's preferences say, not the installed ones.
-    bool done = false;
-    QObject receiver;
-    MCNotificationCenter::defaultCenter().addObserver(&receiver, MCNotificationName::jobDone,
-                                                      [&done](const MCNotification &) { done = true; });
-    StepsJob job;
     job.appPreferences = &own;
-    job.jobSelection = selectionFor(installed.dir.filePath(u"clip.avi"_s));
-    job.steps = {std::make_shared<ShellStep>(u"printf film > OUT"_s, u"clip.avi.avi"_s)};
-    job.startJob();
-    ASSERT_TRUE(testsupport::waitUntil([&] { return done; }, 20000));
-    EXPECT_EQ(job.resultPaths(), QStringList{elsewhere.filePath(u"clip.avi.avi"_s)});
-    EXPECT_TRUE(QDir(installed.saveFolder).isEmpty());
-}
-
-TEST_F(JobResultsTest, ReplacingTakesThePlaceOfAnEarlierResult)
-{
-    job.existingResults = MCJob::ExistingResults::Replace;
-    write(prefs.saveFolder + u"/clip.avi.avi"_s, "an earlier result");
     run(u"printf film > OUT"_s);
-    EXPECT_EQ(job.resultPaths(), QStringList{prefs.saveFolder + u"/clip.avi.avi"_s});
-    EXPECT_EQ(read(prefs.saveFolder + u"/clip.avi.avi"_s), "film");
+    EXPECT_EQ(job.resultPaths(), QStringList{elsewhere.filePath(u"clip.avi.avi"_s)});
+    EXPECT_TRUE(saveFolderEntries().isEmpty());
 }
 
 TEST_F(JobResultsTest, ReplacingNeverReplacesTheSourceUnderAnotherNameNorAFolder)
