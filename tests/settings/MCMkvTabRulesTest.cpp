@@ -106,20 +106,4 @@ TEST(MCMkvTabRulesTest, TracksMkvmergeCannotCopyMustBeReEncoded)
     }
 }
 
-TEST(MCMkvTabRulesTest, SubtitlesAreMuxedOrDroppedAndAWidthForACopiedPictureIsFlagged)
-{
-    MkvTab t;
-    EXPECT_EQ(t.track(3)->userCodec, QStringLiteral("mux"));
-    t.tab().setSubtitleMatrixIndex(MCMkvTabRules::SubtitleDrop);
-    t.rules.updateTabs();
-    EXPECT_EQ(t.track(3)->userCodec, QStringLiteral("drop"));
-
-    EXPECT_EQ(t.tab().videoPassThruColor, QStringLiteral("black"));
-    t.rules.setEnteredUserWidth(QStringLiteral("320"));
-    EXPECT_EQ(t.tab().videoPassThruColor, QStringLiteral("red"));
-    t.tab().setVideoMatrixIndex(MCMkvTabRules::VideoOnePass);
-    t.rules.updateTabs();
-    EXPECT_EQ(t.tab().videoPassThruColor, QStringLiteral("black"));
-}
-
 } // namespace
