@@ -76,14 +76,6 @@ TEST_F(MCPreferencesTest, ValuesOfTheWrongKindLoadAsDefaults)
     EXPECT_TRUE(prefs.guiSettingsDictionary.isEmpty());
     EXPECT_EQ(prefs.selectionIndex, 0);
     EXPECT_EQ(prefs.settingIndex, 0);
-
-    QByteArray garbage;
-    for (int i = 0; i < 4096; ++i)
-        garbage.append(char((i * 7919) % 256));
-    writeSettingsFile(garbage);
-    const MCPreferences binary(path());
-    EXPECT_EQ(binary.subtitleSize, QStringLiteral("3"));
-    EXPECT_TRUE(binary.userPresetSettingsList.isEmpty());
 }
 
 TEST_F(MCPreferencesTest, SavingWhereNothingCanBeWrittenReportsFailure)
