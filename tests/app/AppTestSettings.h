@@ -3,6 +3,7 @@
 #include "MCAppDelegate.h"
 #include "MCPreferences.h"
 #include "MCPresetsController.h"
+#include "MCSelectionController.h"
 #include "TestSupport.h"
 
 #include <QFile>
@@ -35,6 +36,17 @@ inline QString appClip(const QString &name, const QString &codecs = QStringLiter
     return testsupport::ffmpeg(dir.path(), name,
                                QStringLiteral("-f lavfi -i testsrc2=s=%1:r=25:d=%2 -f lavfi -i sine=d=%2:r=48000 -ac 2 %3")
                                    .arg(size).arg(seconds).arg(codecs));
+}
+
+// Takes files in as the window does, on a tab and in a mode ("open", "drag", "add", "watch").
+inline void openOn(MCAppDelegate &app, const QString &tab, const QString &mode, const QStringList &paths)
+{
+    app.selectionController->setCurrentTab(tab);
+    app.setOpeningFileMode(mode);
+    QList<QUrl> urls;
+    for (const QString &path : paths)
+        urls << QUrl::fromLocalFile(path);
+    app.openedFileHubForFiles(urls);
 }
 
 // The application with the "First Track" and "Copy" presets chosen and a

@@ -34,15 +34,7 @@ protected:
         app->queueSelection = [this](const MCSelectionPtr &selection) { queued << selection->copy(); };
     }
 
-    void open(const QString &tab, const QString &mode, const QStringList &paths)
-    {
-        app->selectionController->setCurrentTab(tab);
-        app->setOpeningFileMode(mode);
-        QList<QUrl> urls;
-        for (const QString &path : paths)
-            urls << url(path);
-        app->openedFileHubForFiles(urls);
-    }
+    void open(const QString &tab, const QString &mode, const QStringList &paths) { openOn(*app, tab, mode, paths); }
 
     QString writeFile(const QString &name, const QByteArray &bytes) const
     {

@@ -1,10 +1,6 @@
 // "Save File Info": mediainfo's full report of each file, written whole as
 // NAME.info.txt into the save folder or beside the file, touching nothing else.
-#include "MCAppDelegate.h"
-
-#include "MCPreferences.h"
-#include "MCSelectionController.h"
-#include "TestSupport.h"
+#include "AppTestSettings.h"
 
 #include <gtest/gtest.h>
 
@@ -43,12 +39,10 @@ protected:
 
     void open(const QString &tab, const QStringList &names)
     {
-        app->selectionController->setCurrentTab(tab);
-        app->setOpeningFileMode(u"open"_s);
-        QList<QUrl> urls;
+        QStringList paths;
         for (const QString &name : names)
-            urls << QUrl::fromLocalFile(media.filePath(name));
-        app->openedFileHubForFiles(urls);
+            paths << media.filePath(name);
+        openOn(*app, tab, u"open"_s, paths);
     }
     void saveInto(const QString &folder) { app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(folder); }
 

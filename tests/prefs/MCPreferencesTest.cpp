@@ -31,9 +31,7 @@ TEST_F(MCPreferencesTest, EveryFieldSurvivesARoundTrip)
         MCPreferences prefs(path());
         prefs.saveDirectoryURL = QUrl::fromLocalFile(QStringLiteral("/tmp/out dir"));
         prefs.watchFolderURL = QUrl::fromLocalFile(QStringLiteral("/tmp/watch, here"));
-        prefs.subtitlePosition = QStringLiteral("2.5");
         prefs.showToolTipsFlag = false;
-        prefs.useLegacyEncoderFlag = true;
         prefs.userPresetSettingsList = {preset, preset};
         prefs.guiSettingsDictionary = {{QStringLiteral("windowFrame"), QStringLiteral("10 10 800 600")}};
         prefs.settingIndex = 12;
@@ -44,9 +42,6 @@ TEST_F(MCPreferencesTest, EveryFieldSurvivesARoundTrip)
     const MCPreferences loaded(path());
     EXPECT_EQ(loaded.saveDirectoryURL.toLocalFile(), QStringLiteral("/tmp/out dir"));
     EXPECT_EQ(loaded.watchFolderURL.toLocalFile(), QStringLiteral("/tmp/watch, here"));
-    EXPECT_EQ(loaded.subtitlePosition, QStringLiteral("2.5"));
-    EXPECT_FALSE(loaded.showToolTipsFlag);
-    EXPECT_TRUE(loaded.useLegacyEncoderFlag);
     EXPECT_EQ(loaded.userPresetSelectionsList, QVariantList{preset});
     EXPECT_EQ(loaded.userPresetSettingsList, (QVariantList{preset, preset}));
     EXPECT_EQ(loaded.guiSettingsDictionary.value(QStringLiteral("windowFrame")).toString(), QStringLiteral("10 10 800 600"));

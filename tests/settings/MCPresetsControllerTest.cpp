@@ -37,30 +37,6 @@ TEST(MCPresetsControllerTest, UserPresetsSurviveARestartInOrder)
     EXPECT_FALSE(r.presets.presetSelectionsList.at(1)->isEditable);
 }
 
-TEST(MCPresetsControllerTest, RemovingGuardsBuiltInsAndMovesTheSelection)
-{
-    Rules r;
-    r.presets.openPresetSelectionPanel();
-    EXPECT_EQ(r.presets.selectionsTableIndex(), 0); // "First Track"; the view leaves out "Manual"
-    r.presets.removePresetSelection();
-    EXPECT_EQ(r.presets.presetSelectionsList.size(), 2);
-
-    r.presets.addPresetSelection();
-    r.presets.addPresetSelection();
-    r.presets.setSelectionMethodIndex(3);
-    r.presets.selectionListTableClicked(1); // the first user preset
-    r.presets.removePresetSelection();
-    EXPECT_EQ(r.presets.selectionsTableIndex(), 0);
-    EXPECT_EQ(r.presets.selectionMethodIndex(), 2); // still the preset that was in force
-    r.presets.selectionListTableClicked(1);
-    r.presets.removePresetSelection();
-    EXPECT_EQ(r.presets.selectionMethodIndex(), 0);
-
-    r.presets.openPresetSettingsPanel();
-    r.presets.removePresetSettings();
-    EXPECT_EQ(r.presets.presetSettingsNamesList, (QStringList{"Manual", "Extract Tracks"}));
-}
-
 // The "+" of the last row adds a filter; a "-" removes the one before it.
 TEST(MCPresetsControllerTest, FilterRowsAddAndRemoveFilters)
 {
