@@ -49,14 +49,27 @@ inline void openOn(MCAppDelegate &app, const QString &tab, const QString &mode, 
     app.openedFileHubForFiles(urls);
 }
 
-// The application with the "First Track" and "Copy" presets chosen and a
-// fresh watch folder; scans are driven by hand.
-struct WatchingApp
+// The application launched on settings with the "Copy" preset, its alerts recorded.
+struct LaunchedApp
 {
-    explicit WatchingApp(const QString &target = {})
+    explicit LaunchedApp(const QString &target = {})
         : alerts(testsupport::recordAlerts()), app(settingsWithCopyPreset(settingsDir.path(), target))
     {
         app.applicationDidFinishLaunching();
+    }
+
+    QTemporaryDir settingsDir;
+    std::shared_ptr<RecordingAlertPresenter> alerts;
+    MCAppDelegate app;
+};
+
+// With the "First Track" and "Copy" presets chosen and a fresh watch folder;
+// scans are driven by hand.
+struct WatchingApp : LaunchedApp
+{
+    explicit WatchingApp(const QString &target = {})
+        : LaunchedApp(target)
+    {
         MCPresetsController *presets = app.presetsController;
         presets->setSelectionMethodIndex(presets->presetSelectionsNamesList.indexOf(QStringLiteral("First Track")));
         presets->setSettingMethodIndex(presets->presetSettingsNamesList.indexOf(QStringLiteral("Copy")));
@@ -65,7 +78,5 @@ struct WatchingApp
 
     QString path(const QString &name) const { return folder.filePath(name); }
 
-    QTemporaryDir settingsDir, folder;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
-    MCAppDelegate app;
+    QTemporaryDir folder;
 };

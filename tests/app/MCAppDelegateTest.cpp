@@ -23,18 +23,15 @@ QUrl url(const QString &path)
     return QUrl::fromLocalFile(path);
 }
 
-class AppDelegateTest : public ::testing::Test
+class AppDelegateTest : public ::testing::Test, protected LaunchedApp
 {
 protected:
     void SetUp() override
     {
-        alerts = testsupport::recordAlerts();
-        app = std::make_unique<MCAppDelegate>(settingsWithCopyPreset(settingsDir.path()));
-        app->applicationDidFinishLaunching();
-        app->queueSelection = [this](const MCSelectionPtr &selection) { queued << selection->copy(); };
+        app.queueSelection = [this](const MCSelectionPtr &selection) { queued << selection->copy(); };
     }
 
-    void open(const QString &tab, const QString &mode, const QStringList &paths) { openOn(*app, tab, mode, paths); }
+    void open(const QString &tab, const QString &mode, const QStringList &paths) { openOn(app, tab, mode, paths); }
 
     QString writeFile(const QString &name, const QByteArray &bytes) const
     {
@@ -54,13 +51,10 @@ protected:
 
     void usePresets()
     {
-        app->presetsController->setSelectionMethodIndex(1);
-        app->presetsController->setSettingMethodIndex(2);
+        app.presetsController->setSelectionMethodIndex(1);
+        app.presetsController->setSettingMethodIndex(2);
     }
 
-    QTemporaryDir settingsDir;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
-    std::unique_ptr<MCAppDelegate> app;
     QList<MCSelectionPtr> queued;
 };
 
@@ -74,8 +68,8 @@ TEST_F(AppDelegateTest, IntakeAlertsForEachModeAndKeepsTheLoadedFile)
     open(u"AVI"_s, u"drag"_s, {notes});
     open(u"AVI"_s, u"add"_s, {appClip(u"other.mkv"_s, u"-c:v libx264 -c:a aac"_s)});
     open(u"AVI"_s, u"drag"_s, {writeFile(u"broken.sup"_s, "garbage")});
-    EXPECT_EQ(app->fileTextField(), avi);
-    EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
+    EXPECT_EQ(app.fileTextField(), avi);
+    EXPECT_EQ(app.currentVideoFile->trackList.size(), 2);
     open(u"Edit Files"_s, u"add"_s, {notes});
     open(u"Edit Tracks"_s, u"open"_s, {appClip(u"tracks.mov"_s, u"-c:v libx264 -c:a aac"_s)});
     EXPECT_EQ(alertTexts(), (QStringList{
@@ -91,10 +85,10 @@ TEST_F(AppDelegateTest, IntakeAlertsForEachModeAndKeepsTheLoadedFile)
     // A dropped subtitle becomes a track of the loaded file; watched, it is ignored.
     const QString srt = writeFile(u"good.srt"_s, "1\n00:00:00,000 --> 00:00:01,000\nHi\n\n");
     open(u"AVI"_s, u"watch"_s, {srt});
-    EXPECT_EQ(app->currentVideoFile->trackList.size(), 2);
+    EXPECT_EQ(app.currentVideoFile->trackList.size(), 2);
     open(u"AVI"_s, u"drag"_s, {srt});
-    ASSERT_EQ(app->currentVideoFile->trackList.size(), 3);
-    EXPECT_EQ(app->currentVideoFile->trackList.last()->trackType, u"External Subtitle"_s);
+    ASSERT_EQ(app.currentVideoFile->trackList.size(), 3);
+    EXPECT_EQ(app.currentVideoFile->trackList.last()->trackType, u"External Subtitle"_s);
     EXPECT_TRUE(queued.isEmpty());
 }
 
@@ -102,9 +96,9 @@ TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
 {
     const QString avi = appClip(u"clip.avi"_s), unknown = appClip(u"unknown.mkv"_s, u"-c:v ffv1 -c:a ac3"_s);
     open(u"AVI"_s, u"open"_s, {avi});
-    app->setOpeningFileMode(u"watch"_s);
-    EXPECT_EQ(app->testNewFileURL(url(unknown), false), QString());
-    EXPECT_EQ(app->currentVideoFile->theFilePath, avi);
+    app.setOpeningFileMode(u"watch"_s);
+    EXPECT_EQ(app.testNewFileURL(url(unknown), false), QString());
+    EXPECT_EQ(app.currentVideoFile->theFilePath, avi);
     // The watch folder's hub starts nothing for it.
     open(u"AVI"_s, u"watch"_s, {unknown});
     EXPECT_FALSE(testsupport::waitUntil([&] { return !queued.isEmpty(); }, 2500));
@@ -112,7 +106,7 @@ TEST_F(AppDelegateTest, AFileThatDoesNotLoadNeverStartsTheEarlierOneAgain)
     const QString second = appClip(u"second.avi"_s);
     usePresets();
     open(u"AVI"_s, u"drag"_s, {unknown, second});
-    app->startJob();
+    app.startJob();
     ASSERT_TRUE(testsupport::waitUntil([&] { return !queued.isEmpty(); }, 3000)) << alertTexts().join(u'\n').toStdString();
     testsupport::waitUntil([] { return false; }, 300);
     ASSERT_EQ(queued.size(), 1);
@@ -139,7 +133,7 @@ TEST_F(AppDelegateTest, BatchesNeedPresetsAndQueueOneFileAfterAnother)
     const QString second = appClip(u"batch-2.avi"_s), notes = writeFile(u"batch.txt"_s, "text\n");
     open(u"AVI"_s, u"drag"_s, {appClip(u"clip.avi"_s), notes, second});
     alerts->alerts.clear();
-    app->startJob();
+    app.startJob();
     ASSERT_EQ(alerts->alerts.size(), 1);
     EXPECT_TRUE(alerts->alerts.first().message.startsWith(u"You must use a preset other than \"Manual\""_s));
     EXPECT_TRUE(queued.isEmpty());
@@ -147,9 +141,9 @@ TEST_F(AppDelegateTest, BatchesNeedPresetsAndQueueOneFileAfterAnother)
     // With presets: the first file at once, the rest 0.4 s later; the text file silently skipped.
     usePresets();
     QList<QUrl> skipped;
-    QObject::connect(app.get(), &MCAppDelegate::batchFileSkipped, [&](const QUrl &file, const QString &) { skipped << file; });
+    QObject::connect(&app, &MCAppDelegate::batchFileSkipped, [&](const QUrl &file, const QString &) { skipped << file; });
     alerts->alerts.clear();
-    app->startJob();
+    app.startJob();
     EXPECT_EQ(queued.size(), 1);
     EXPECT_TRUE(testsupport::waitUntil([&] { return queued.size() == 2; }, 5000));
     EXPECT_EQ(queued.last()->videoTrackFilePath, second);
@@ -159,27 +153,27 @@ TEST_F(AppDelegateTest, BatchesNeedPresetsAndQueueOneFileAfterAnother)
 
 TEST_F(AppDelegateTest, QuitWithARunningJobAsksAndOkEndsItsTools)
 {
-    app->queueSelection = [this](const MCSelectionPtr &selection) { app->queueController->addToQueue(selection); };
-    app->appPreferences->saveDirectoryURL = url(settingsDir.path());
-    app->presetsController->setSelectionMethodIndex(1);
+    app.queueSelection = [this](const MCSelectionPtr &selection) { app.queueController->addToQueue(selection); };
+    app.appPreferences->saveDirectoryURL = url(settingsDir.path());
+    app.presetsController->setSelectionMethodIndex(1);
     open(u"AVI"_s, u"open"_s, {appClip(u"quit.mkv"_s, u"-c:v libx264 -preset ultrafast -c:a aac"_s, 60, u"640x480"_s)});
-    app->selectionController->setVideoMatrixIndex(2);
-    app->selectionController->setEnteredUserVideoBitRate(u"800"_s);
-    app->selectionController->updateTabs();
-    app->startJob();
-    MCQueueController *queue = app->queueController;
+    app.selectionController->setVideoMatrixIndex(2);
+    app.selectionController->setEnteredUserVideoBitRate(u"800"_s);
+    app.selectionController->updateTabs();
+    app.startJob();
+    MCQueueController *queue = app.queueController;
     ASSERT_TRUE(testsupport::waitUntil([&] { return queue->currentJob() && !queue->currentJob()->stepPIDList().isEmpty(); }, 20000));
     const QString pid = queue->currentJob()->stepPIDList().first();
 
     std::optional<bool> quit;
     alerts->answer = MCAlertSecondButtonReturn;
-    app->applicationShouldTerminate([&](bool answer) { quit = answer; });
+    app.applicationShouldTerminate([&](bool answer) { quit = answer; });
     ASSERT_TRUE(quit.has_value());
     EXPECT_FALSE(*quit);
     EXPECT_EQ(alerts->alerts.last().message, u"Videos are still being processed.  Quit anyways?"_s);
     EXPECT_TRUE(queue->qJobIsRunning());
     alerts->answer = MCAlertFirstButtonReturn;
-    app->applicationShouldTerminate([&](bool answer) { quit = answer; });
+    app.applicationShouldTerminate([&](bool answer) { quit = answer; });
     EXPECT_TRUE(*quit);
     EXPECT_TRUE(queue->qJobList().isEmpty());
     EXPECT_FALSE(MCHelpers::processIsRunning(pid));
@@ -200,10 +194,8 @@ TEST(AppDelegateIntake, TheWindowsIntakeInspectsOffItsThreadOnceAndInTurn)
     counting.setPermissions(counting.permissions() | QFileDevice::ExeOwner);
     qputenv("KESTRANE_RESOURCES", resources.path().toUtf8());
 
-    QTemporaryDir settingsDir;
-    const auto alerts = testsupport::recordAlerts();
-    MCAppDelegate app(settingsWithCopyPreset(settingsDir.path()));
-    app.applicationDidFinishLaunching();
+    LaunchedApp launched;
+    MCAppDelegate &app = launched.app;
     app.queueSelection = [](const MCSelectionPtr &) {};
     app.selectionController->setCurrentTab(u"AVI"_s);
     QList<bool> busy;

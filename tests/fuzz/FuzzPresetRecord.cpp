@@ -4,7 +4,7 @@
 // small file.
 #include "MCPresetSelections.h"
 #include "MCPresetSettings.h"
-#include "MCSelectionController.h"
+#include "RulesTestSupport.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -16,30 +16,19 @@
 
 namespace {
 
-struct World
+// A film with surround and stereo sound and a subtitle, loaded into the rules.
+struct World : rulestest::Rules
 {
     World()
     {
-        file->theFileExtension = QStringLiteral("avi");
+        file = rulestest::makeFile({{"Video", "h264"}, {"Audio", "ac3", "6"}, {"Audio", "mp3", "2", "French"}, {"Subtitle", "srt"}});
         file->theWidth = QStringLiteral("1280");
         file->theHeight = QStringLiteral("720");
         file->theVideoBitRate = QStringLiteral("4000");
-        for (const auto &[type, codec, channels] : {std::tuple{"Video", "h264", "0"}, {"Audio", "ac3", "6"}, {"Audio", "mp3", "2"},
-                                                     {"Subtitle", "srt", "0"}}) {
-            auto track = std::make_shared<MCVideoTrack>();
-            track->trackType = QString::fromLatin1(type);
-            track->trackCodec = QString::fromLatin1(codec);
-            track->trackNumberOfChannels = QString::fromLatin1(channels);
-            track->trackLanguage = QStringLiteral("English");
-            file->trackList.append(track);
-        }
-        rules.initialize();
-        rules.setCurrentVideoFile(file);
-        rules.currentSelection()->initializeFrom(*file);
+        load(file);
     }
 
-    std::shared_ptr<MCVideoFile> file = std::make_shared<MCVideoFile>();
-    MCSelectionController rules;
+    std::shared_ptr<MCVideoFile> file;
 };
 
 World *world = nullptr;

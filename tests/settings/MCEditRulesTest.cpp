@@ -17,20 +17,17 @@ QList<QUrl> files(std::initializer_list<const char *> names)
     return urls;
 }
 
-struct EditTracks : Rules
+struct EditTracks : OnTab
 {
     EditTracks(const QList<TrackShape> &tracks, const char *extension)
+        : OnTab(MCSelectionController::tabEditTracks, tracks, extension)
     {
-        load(makeFile(tracks, QString::fromLatin1(extension)));
-        rules.setCurrentTab(MCSelectionController::tabEditTracks);
-        rules.updateTabs();
     }
     void row(int row)
     {
         rules.setEditTrackMatrixIndex(row);
         rules.updateTabs();
     }
-    MCTrackList &tracks() { return rules.currentVideoFile()->trackList; }
 };
 
 TEST(MCEditRulesTest, EditFilesTakesOneContainerAtATimeAndGivesItsOwnJobs)

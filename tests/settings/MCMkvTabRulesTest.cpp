@@ -9,19 +9,15 @@ namespace {
 
 // A film on the "MKV" tab: German 5.1, English stereo and a subtitle unless
 // other tracks are given.
-struct MkvTab : Rules
+struct MkvTab : OnTab
 {
     explicit MkvTab(const QList<TrackShape> &tracks = {{"Video", "h264"}, {"Audio", "ac3", "6", "German"}, {"Audio", "aac", "2"}, {"Subtitle", "srt"}},
                     const char *extension = "mkv")
+        : OnTab(MCSelectionController::tabMkv, tracks, extension)
     {
-        load(makeFile(tracks, QString::fromLatin1(extension)));
-        rules.setCurrentTab(MCSelectionController::tabMkv);
-        rules.setEnteredUserVideoBitRate(QStringLiteral("800"));
     }
 
     MCMkvTabRules &tab() { return *rules.mkvTab(); }
-    MCVideoTrackPtr track(int i) { return rules.currentVideoFile()->trackList.at(i); }
-    std::string why() { return rules.convertRefusalText().toStdString(); }
     void choose(int audioTrack) { rules.setAudioTrackPopupIndex(audioTrack); }
     void row(int audioRow)
     {
@@ -33,7 +29,7 @@ struct MkvTab : Rules
 TEST(MCMkvTabRulesTest, EachAudioTrackKeepsItsOwnChoiceAndTheRowsFollowTheChooser)
 {
     MkvTab t;
-    ASSERT_TRUE(t.rules.canConvert) << t.why();
+    ASSERT_TRUE(t.rules.canConvert) << t.why().toStdString();
     EXPECT_EQ(t.record().jobType, QStringLiteral("MKV Conversion"));
     t.row(MCMkvTabRules::AudioAacStereo);
     EXPECT_EQ(t.track(1)->userCodec, QStringLiteral("aac"));
@@ -74,7 +70,7 @@ TEST(MCMkvTabRulesTest, RefusesWhatCannotBecomeTheFileAsked)
     EXPECT_EQ(t.tab().surroundColor, QStringLiteral("red"));
     t.row(MCMkvTabRules::AudioAac51);
     EXPECT_FALSE(t.rules.canConvert);
-    EXPECT_TRUE(t.rules.convertRefusalText().contains(QStringLiteral("AAC 5.1 needs a surround track"))) << t.why();
+    EXPECT_TRUE(t.rules.convertRefusalText().contains(QStringLiteral("AAC 5.1 needs a surround track"))) << t.why().toStdString();
     t.row(MCMkvTabRules::AudioAacStereo);
     EXPECT_TRUE(t.rules.canConvert);
 
@@ -102,7 +98,7 @@ TEST(MCMkvTabRulesTest, TracksMkvmergeCannotCopyMustBeReEncoded)
         EXPECT_FALSE(t.rules.canConvert);
         t.tab().setVideoMatrixIndex(MCMkvTabRules::VideoOnePass);
         t.row(MCMkvTabRules::AudioAc351);
-        EXPECT_TRUE(t.rules.canConvert) << t.why();
+        EXPECT_TRUE(t.rules.canConvert) << t.why().toStdString();
     }
 }
 

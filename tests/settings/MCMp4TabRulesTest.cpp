@@ -11,17 +11,12 @@ namespace {
 using Row = MCMkvTabRules;
 
 // A file on the "MP4" tab, every track selected.
-struct Mp4Tab : Rules
+struct Mp4Tab : OnTab
 {
     explicit Mp4Tab(const QList<TrackShape> &tracks, const char *extension = "mkv")
+        : OnTab(MCSelectionController::tabMp4, tracks, extension)
     {
-        load(makeFile(tracks, QString::fromLatin1(extension)));
-        rules.setCurrentTab(MCSelectionController::tabMp4);
-        rules.setEnteredUserVideoBitRate(QStringLiteral("800"));
     }
-
-    MCVideoTrackPtr track(int i) { return rules.currentVideoFile()->trackList.at(i); }
-    QString why() { return rules.convertRefusalText(); }
     // Refused for a reason containing refusal until the row is set.
     void refusedUntil(const char *refusal, void (MCMkvTabRules::*setRow)(int), int row)
     {
