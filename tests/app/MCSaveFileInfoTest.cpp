@@ -1,10 +1,6 @@
 // "Save File Info": mediainfo's full report of each file, written whole as
 // NAME.info.txt into the save folder or beside the file, touching nothing else.
-#include "MCAppDelegate.h"
-
-#include "MCPreferences.h"
-#include "MCSelectionController.h"
-#include "TestSupport.h"
+#include "AppTestSettings.h"
 
 #include <gtest/gtest.h>
 
@@ -29,89 +25,64 @@ void write(const QString &path, const QByteArray &bytes)
     file.write(bytes);
 }
 
-class SaveFileInfoTest : public ::testing::Test
+class SaveFileInfoTest : public ::testing::Test, protected LaunchedApp
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(media.isValid() && saveFolder.isValid() && settings.isValid());
-        alerts = testsupport::recordAlerts();
-        app = std::make_unique<MCAppDelegate>(settings.path() + u"/kestrane.ini"_s);
-        app->applicationDidFinishLaunching();
         for (const QString &name : {u"first.avi"_s, u"second.avi"_s})
             testsupport::ffmpeg(media.path(), name, u"-f lavfi -i testsrc2=s=160x120:r=25:d=1 -c:v mpeg4"_s);
     }
 
-    QString mediaFile(const QString &name) const { return media.path() + QLatin1Char('/') + name; }
-
     void open(const QString &tab, const QStringList &names)
     {
-        app->selectionController->setCurrentTab(tab);
-        app->setOpeningFileMode(u"open"_s);
-        QList<QUrl> urls;
+        QStringList paths;
         for (const QString &name : names)
-            urls << QUrl::fromLocalFile(mediaFile(name));
-        app->openedFileHubForFiles(urls);
+            paths << media.filePath(name);
+        openOn(app, tab, u"open"_s, paths);
     }
+    void saveInto(const QString &folder) { app.appPreferences->saveDirectoryURL = QUrl::fromLocalFile(folder); }
 
-    QTemporaryDir media, saveFolder, settings;
-    std::shared_ptr<RecordingAlertPresenter> alerts;
-    std::unique_ptr<MCAppDelegate> app;
+    QTemporaryDir media, saveFolder;
 };
 
-TEST_F(SaveFileInfoTest, WritesBesideTheFileReplacingOnlyAnEarlierReport)
+TEST_F(SaveFileInfoTest, WritesBesideTheFileOrIntoTheSaveFolderReplacingOnlyAnEarlierReport)
 {
+    EXPECT_TRUE(app.saveFileInfo().isEmpty()); // nothing loaded: nothing to report
     open(u"AVI"_s, {u"first.avi"_s});
-    const QString report = mediaFile(u"first.avi.info.txt"_s);
-    write(report, "an earlier report\n");
-    write(mediaFile(u"first.info.txt"_s), "the user's own notes\n");
-    const QByteArray video = contents(mediaFile(u"first.avi"_s));
-
-    app->helpMenuItemSelected(u"Save File Info"_s);
-
-    const QByteArray text = contents(report);
-    EXPECT_TRUE(text.contains("Complete name")) << text.constData();
-    EXPECT_TRUE(text.contains("first.avi"));
-    EXPECT_FALSE(text.contains("an earlier report"));
-    EXPECT_EQ(contents(mediaFile(u"first.info.txt"_s)), QByteArray("the user's own notes\n"));
-    EXPECT_EQ(contents(mediaFile(u"first.avi"_s)), video);
+    write(media.filePath(u"first.avi.info.txt"_s), "an earlier report\n");
+    write(media.filePath(u"first.info.txt"_s), "the user's own notes\n");
+    const QByteArray video = contents(media.filePath(u"first.avi"_s));
+    app.helpMenuItemSelected(u"Save File Info"_s);
+    EXPECT_TRUE(contents(media.filePath(u"first.avi.info.txt"_s)).contains("Complete name"));
+    EXPECT_EQ(contents(media.filePath(u"first.info.txt"_s)), QByteArray("the user's own notes\n"));
+    EXPECT_EQ(contents(media.filePath(u"first.avi"_s)), video);
     // Written whole: no temporary file is left behind.
     EXPECT_EQ(QDir(media.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name),
               (QStringList{u"first.avi"_s, u"first.avi.info.txt"_s, u"first.info.txt"_s, u"second.avi"_s}));
+
+    // The Edit Files tab reports every listed file.
+    saveInto(saveFolder.path());
+    open(u"Edit Files"_s, {u"first.avi"_s, u"second.avi"_s});
+    const QStringList written = app.saveFileInfo();
+    EXPECT_EQ(written, (QStringList{saveFolder.filePath(u"first.avi.info.txt"_s), saveFolder.filePath(u"second.avi.info.txt"_s)}));
     EXPECT_TRUE(alerts->alerts.isEmpty());
 }
 
-TEST_F(SaveFileInfoTest, EditFilesTabReportsEveryListedFileIntoTheSaveFolder)
+TEST_F(SaveFileInfoTest, WhatCannotBeWrittenIsLeftAloneAndTold)
 {
-    app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(saveFolder.path());
-    open(u"Edit Files"_s, {u"first.avi"_s, u"second.avi"_s});
-    const QStringList written = app->saveFileInfo();
-    EXPECT_EQ(written, (QStringList{saveFolder.filePath(u"first.avi.info.txt"_s), saveFolder.filePath(u"second.avi.info.txt"_s)}));
-    EXPECT_TRUE(contents(written.value(1)).contains("second.avi"));
-    EXPECT_EQ(QDir(saveFolder.path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
-    EXPECT_FALSE(QFile::exists(mediaFile(u"first.avi.info.txt"_s)));
-}
-
-TEST_F(SaveFileInfoTest, WhatCannotBeWrittenIsLeftAlone)
-{
-    // Nothing loaded: nothing to report.
-    EXPECT_TRUE(app->saveFileInfo().isEmpty());
-
     open(u"AVI"_s, {u"first.avi"_s});
     // A folder of the report's name stays as it is, with its contents.
     ASSERT_TRUE(QDir(saveFolder.path()).mkpath(u"first.avi.info.txt"_s));
-    write(saveFolder.path() + u"/first.avi.info.txt/keep"_s, "kept\n");
-    app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(saveFolder.path());
-    EXPECT_TRUE(app->saveFileInfo().isEmpty());
-    EXPECT_EQ(contents(saveFolder.path() + u"/first.avi.info.txt/keep"_s), QByteArray("kept\n"));
-    EXPECT_EQ(QDir(saveFolder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              QStringList{u"first.avi.info.txt"_s});
+    write(saveFolder.filePath(u"first.avi.info.txt/keep"_s), "kept\n");
+    saveInto(saveFolder.path());
+    EXPECT_TRUE(app.saveFileInfo().isEmpty());
+    EXPECT_EQ(contents(saveFolder.filePath(u"first.avi.info.txt/keep"_s)), QByteArray("kept\n"));
 
     // A save folder that has gone away is not made again.
-    app->appPreferences->saveDirectoryURL = QUrl::fromLocalFile(saveFolder.path() + u"/gone"_s);
-    EXPECT_TRUE(app->saveFileInfo().isEmpty());
-    EXPECT_FALSE(QFileInfo::exists(saveFolder.path() + u"/gone"_s));
-    // Both failures were told, not only logged.
+    saveInto(saveFolder.filePath(u"gone"_s));
+    EXPECT_TRUE(app.saveFileInfo().isEmpty());
+    EXPECT_FALSE(QFileInfo::exists(saveFolder.filePath(u"gone"_s)));
     ASSERT_EQ(alerts->alerts.size(), 2);
     EXPECT_EQ(alerts->alerts.at(1).message, u"Kestrane could not save the file information."_s);
     EXPECT_TRUE(alerts->alerts.at(1).informativeText.contains(u"/gone/first.avi.info.txt"_s));

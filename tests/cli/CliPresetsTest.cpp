@@ -30,11 +30,7 @@ protected:
 TEST_F(CliPresets, ExtractTracksPresetExtractsInsteadOfConverting)
 {
     const QString avi = xvidAvi(u"preset-extract.avi"_s);
-    const QStringList extract{u"convert"_s, u"--settings-preset"_s, u"Extract Tracks"_s, avi};
-    const CliResult dry = run(QStringList{u"--dry-run"_s} + extract);
-    EXPECT_TRUE(dry.out.contains(u"job: AVI Track Extraction\n"_s)) << dry.out.toStdString();
-
-    const CliResult result = run(extract);
+    const CliResult result = run({u"convert"_s, u"--settings-preset"_s, u"Extract Tracks"_s, avi});
     ASSERT_EQ(result.status, 0) << result.err.toStdString() << result.out.toStdString();
     // First Track's video and audio, each a file of its own; no new AVI of the movie.
     EXPECT_EQ(written().size(), 2) << written().join(u' ').toStdString();
@@ -43,33 +39,20 @@ TEST_F(CliPresets, ExtractTracksPresetExtractsInsteadOfConverting)
 
 TEST_F(CliPresets, PresetsMadeWithoutAWindowAreTheWindowsOwn)
 {
-    CliResult result = presets({u"list"_s});
-    ASSERT_EQ(result.status, 0) << result.err.toStdString();
-    EXPECT_TRUE(result.out.contains(u"selection\tFirst Track\tbuilt-in\n"_s));
-    EXPECT_TRUE(result.out.contains(u"settings\tExtract Tracks\tbuilt-in\n"_s));
-
-    result = presets(words(u"add-settings Small --video mpeg4 --bitrate 300 --audio mp3 --audio-bitrate 128 --subtitles extract"_s));
+    EXPECT_TRUE(presets({u"list"_s}).out.contains(u"settings\tExtract Tracks\tbuilt-in\n"_s));
+    CliResult result = presets(words(u"add-settings Small --video mpeg4 --bitrate 300 --audio mp3 --audio-bitrate 128 --subtitles extract"_s));
     ASSERT_EQ(result.status, 0) << result.err.toStdString();
     const QVariantMap small = storedPreset(true, u"Small"_s);
-    EXPECT_EQ(small.value(u"pVideoActionIndex"_s).toInt(), 1);
     EXPECT_EQ(small.value(u"pVideoBitRate"_s).toString(), u"300"_s);
-    EXPECT_EQ(small.value(u"pVideoBitRateIndex"_s).toInt(), 1);
     EXPECT_EQ(small.value(u"pStereoBitRate"_s).toString(), u"128"_s);
-    EXPECT_EQ(small.value(u"pSubAction"_s).toString(), u"Extract"_s);
 
     result = presets(words(u"add-selection French --audio-filter lang=French,channels=stereo --audio-filter 1 --subtitle-filter none"_s));
     ASSERT_EQ(result.status, 0) << result.err.toStdString();
     const QVariantList audio = storedPreset(false, u"French"_s).value(u"pAudioFilterArray"_s).toList();
     ASSERT_EQ(audio.size(), 2);
-    EXPECT_EQ(audio.at(0).toMap().value(u"currentLanguage"_s).toString(), u"French"_s);
     EXPECT_EQ(audio.at(0).toMap().value(u"currentChannels"_s).toString(), u"Stereo Only"_s);
     EXPECT_EQ(audio.at(1).toMap().value(u"currentTrackNumber"_s).toString(), u"1"_s);
-
-    result = presets({u"show"_s, u"Small"_s});
-    ASSERT_EQ(result.status, 0) << result.err.toStdString();
-    const QJsonObject shown = QJsonDocument::fromJson(result.out.toUtf8()).object();
-    EXPECT_EQ(shown.value(u"kind"_s).toString(), u"settings"_s);
-    EXPECT_EQ(shown.value(u"pVideoBitRate"_s).toString(), u"300"_s);
+    EXPECT_EQ(QJsonDocument::fromJson(presets({u"show"_s, u"Small"_s}).out.toUtf8())[u"kind"_s].toString(), u"settings"_s);
 
     // The conversion takes the preset as one the window saved.
     const CliResult dry = run(words(u"--dry-run convert --settings-preset Small"_s) + QStringList{threeTrackMkv()});
@@ -77,21 +60,14 @@ TEST_F(CliPresets, PresetsMadeWithoutAWindowAreTheWindowsOwn)
     EXPECT_TRUE(dry.out.contains(u"-> mpeg4, 300 kbit/s"_s)) << dry.out.toStdString();
 
     // A name stands for one preset; built-ins stay.
-    const struct
-    {
-        QStringList arguments;
-        QString error;
-    } refused[] = {
-        {{u"add-settings"_s, u"Small"_s}, u"exists already"_s},
-        {{u"add-selection"_s, u"Small"_s}, u"exists already"_s},
-        {{u"remove"_s, u"First Track"_s}, u"built in"_s},
-        {{u"remove"_s, u"Nope"_s}, u"unknown preset 'Nope'"_s},
-        {{u"show"_s, u"Nope"_s}, u"unknown preset 'Nope'"_s},
-    };
-    for (const auto &r : refused) {
-        result = presets(r.arguments);
-        EXPECT_EQ(result.status, 1) << r.arguments.join(u' ').toStdString();
-        EXPECT_TRUE(result.err.contains(r.error)) << result.err.toStdString();
+    const std::pair<QStringList, QString> refused[] = {
+        {{u"add-settings"_s, u"Small"_s}, u"exists already"_s}, {{u"add-selection"_s, u"Small"_s}, u"exists already"_s},
+        {{u"remove"_s, u"First Track"_s}, u"built in"_s},       {{u"remove"_s, u"Nope"_s}, u"unknown preset 'Nope'"_s},
+        {{u"show"_s, u"Nope"_s}, u"unknown preset 'Nope'"_s}};
+    for (const auto &[arguments, error] : refused) {
+        result = presets(arguments);
+        EXPECT_EQ(result.status, 1) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(result.err.contains(error)) << result.err.toStdString();
     }
 
     ASSERT_EQ(presets({u"remove"_s, u"Small"_s}).status, 0);

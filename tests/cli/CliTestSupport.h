@@ -85,8 +85,8 @@ inline QString testInputs(int seconds, const QString &size = u"160x120"_s)
 inline QString threeTrackMkv(int seconds = 2)
 {
     const QString srt = writeSrt(cliMediaDir() + u"/sub.srt"_s);
-    return cliClip(u"three-%1.mkv"_s.arg(seconds), testInputs(seconds) + u"-i '%1' -map 0:v -map 1:a -map 2 -ac 2 "
-                                                                        "-c:v libx264 -preset ultrafast -c:a aac -c:s srt"_s.arg(srt));
+    return cliClip(u"three-%1.mkv"_s.arg(seconds),
+                   testInputs(seconds) + u"-i '%1' -map 0:v -map 1:a -map 2 -ac 2 -c:v libx264 -preset ultrafast -c:a aac -c:s srt"_s.arg(srt));
 }
 
 // An XviD/MP3 AVI as MEncoder writes them (MEncoder misreads ffmpeg's MP3 in AVI).
@@ -112,22 +112,12 @@ inline QString surroundMkv()
                                    "-c:s srt -metadata:s:a:0 language=ger"_s.arg(srt));
 }
 
-inline QStringList filesIn(const QString &dir)
-{
-    return QDir(dir).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
-}
-
 // mediainfo's words for each track of a kind, e.g. {"AAC/2"} for "Audio;%Format%/%Channel(s)%".
 inline QStringList described(const QString &path, const QString &inform)
 {
     QString out;
     testsupport::run(u"mediainfo --Inform='%1\\n' '%2'"_s.arg(inform, path), &out);
     return out.split(u'\n', Qt::SkipEmptyParts);
-}
-
-inline double playingMs(const QString &path)
-{
-    return testsupport::mediaInfo(path, u"General"_s, u"Duration"_s).toDouble();
 }
 
 // Everything in a folder, hidden entries and folders included: a job's
@@ -147,7 +137,7 @@ protected:
     QStringList common() const { return {u"--settings"_s, settings, u"--save-dir"_s, saveDir.path()}; }
     CliResult run(const QStringList &arguments) const { return runCli(common() + arguments); }
     QString saved(const QString &name) const { return saveDir.path() + u'/' + name; }
-    QStringList written() const { return filesIn(saveDir.path()); }
+    QStringList written() const { return QDir(saveDir.path()).entryList(QDir::Files, QDir::Name); }
     void clearResults() const
     {
         for (const QString &name : written())

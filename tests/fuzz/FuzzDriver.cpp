@@ -1,6 +1,6 @@
 // A stand-in for libFuzzer where it is not available (g++ builds): feeds the
-// target every seed file, then pseudo-random mutations of the seeds and
-// random inputs, from a fixed random seed so a failure can be repeated.
+// target every seed file, then pseudo-random edits of the seeds and random
+// inputs, from a fixed random seed so a failure can be repeated.
 //   fuzz_target [-runs=N] [-seconds=S] SEED_DIR...
 #include <QDir>
 #include <QElapsedTimer>
@@ -19,27 +19,18 @@ namespace {
 
 using Input = std::vector<uint8_t>;
 
-void runOne(const Input &input)
-{
-    LLVMFuzzerTestOneInput(input.data(), input.size());
-}
-
-// One to four random edits: a byte replaced, inserted, erased or flipped.
+// One to four edits: a byte replaced, inserted or erased.
 Input mutate(Input input, std::mt19937 &rng)
 {
     for (int edits = 1 + int(rng() % 4); edits > 0; --edits) {
-        const size_t at = input.empty() ? 0 : rng() % (input.size() + 1);
-        const unsigned kind = rng() % 4;
-        if (kind == 1)
-            input.insert(input.begin() + std::ptrdiff_t(at), uint8_t(rng()));
-        else if (at >= input.size())
-            continue;
-        else if (kind == 0)
-            input[at] = uint8_t(rng());
-        else if (kind == 2)
-            input.erase(input.begin() + std::ptrdiff_t(at));
+        const auto at = input.begin() + std::ptrdiff_t(input.empty() ? 0 : rng() % input.size());
+        const unsigned kind = input.empty() ? 1 : rng() % 3;
+        if (kind == 0)
+            *at = uint8_t(rng());
+        else if (kind == 1)
+            input.insert(at, uint8_t(rng()));
         else
-            input[at] ^= uint8_t(1u << (rng() % 8));
+            input.erase(at);
     }
     return input;
 }
@@ -52,41 +43,39 @@ int main(int argc, char **argv)
         LLVMFuzzerInitialize(&argc, &argv);
     long runs = 100000;
     double seconds = 5;
-    std::vector<Input> seeds;
+    std::vector<Input> seeds{Input()};
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
-        if (arg.rfind("-runs=", 0) == 0) {
+        if (arg.starts_with("-runs=")) {
             runs = std::stol(arg.substr(6));
-        } else if (arg.rfind("-seconds=", 0) == 0) {
+        } else if (arg.starts_with("-seconds=")) {
             seconds = std::stod(arg.substr(9));
         } else {
             const QDir dir(QString::fromLocal8Bit(argv[i]));
             for (const QString &name : dir.entryList(QDir::Files, QDir::Name)) {
                 QFile file(dir.filePath(name));
-                if (file.open(QIODevice::ReadOnly)) {
-                    const QByteArray bytes = file.readAll();
-                    seeds.emplace_back(bytes.cbegin(), bytes.cend());
-                }
+                const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+                seeds.emplace_back(bytes.cbegin(), bytes.cend());
             }
         }
     }
-    seeds.emplace_back();
     for (const Input &seed : seeds)
-        runOne(seed);
+        LLVMFuzzerTestOneInput(seed.data(), seed.size());
 
     std::mt19937 rng(20240607);
     QElapsedTimer clock;
     clock.start();
     long done = 0;
     for (; done < runs && clock.elapsed() < seconds * 1000; ++done) {
+        Input input;
         if (rng() % 4 == 0) {
-            Input random(rng() % 96);
-            for (uint8_t &b : random)
-                b = uint8_t(rng());
-            runOne(random);
+            input.resize(rng() % 96);
+            for (uint8_t &byte : input)
+                byte = uint8_t(rng());
         } else {
-            runOne(mutate(seeds[rng() % seeds.size()], rng));
+            input = mutate(seeds[rng() % seeds.size()], rng);
         }
+        LLVMFuzzerTestOneInput(input.data(), input.size());
     }
     std::printf("%zu seeds and %ld generated inputs ran without a crash\n", seeds.size(), done);
     return 0;

@@ -16,17 +16,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     if (size < 1 || size > 4096)
         return 0;
-    std::vector<std::string> arguments;
-    std::string current;
+    std::vector<std::string> arguments(1);
     for (size_t i = 1; i < size; ++i) {
-        if (data[i] == '\n') {
-            arguments.push_back(current);
-            current.clear();
-        } else {
-            current += char(data[i]);
-        }
+        if (data[i] == '\n')
+            arguments.emplace_back();
+        else
+            arguments.back() += char(data[i]);
     }
-    arguments.push_back(current);
     // Names ending in ".mp4" or ".avi" count as files, so imports are read on.
     const mediatool::FileTest isFile = [](const std::string &name) {
         return name.size() > 4 && (name.ends_with(".mp4") || name.ends_with(".avi"));

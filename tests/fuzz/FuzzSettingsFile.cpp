@@ -11,41 +11,32 @@
 #include <cstdint>
 #include <cstdlib>
 
-namespace {
-
-QTemporaryDir *folder = nullptr;
-
-} // namespace
-
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     static QCoreApplication app(*argc, *argv);
-    folder = new QTemporaryDir; // lives for the whole run
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    if (size > 16 * 1024)
+    static QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("kestrane.ini"));
+    QFile file(path);
+    if (size > 16 * 1024 || !file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return 0;
-    const QString path = folder->filePath(QStringLiteral("kestrane.ini"));
-    {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            return 0;
-        file.write(reinterpret_cast<const char *>(data), qint64(size));
-    }
-    QVariantList presets;
-    QString saveFolder;
+    file.write(reinterpret_cast<const char *>(data), qint64(size));
+    file.close();
+    qsizetype presets = 0;
+    QUrl saveFolder;
     {
         MCPreferences loaded(path);
         if (!loaded.savePreferencesToDefaults())
             return 0;
-        presets = loaded.userPresetSettingsList;
-        saveFolder = loaded.saveDirectoryURL.toString();
+        presets = loaded.userPresetSettingsList.size();
+        saveFolder = loaded.saveDirectoryURL;
     }
     const MCPreferences reread(path);
-    if (reread.userPresetSettingsList.size() != presets.size() || reread.saveDirectoryURL.toString() != saveFolder)
+    if (reread.userPresetSettingsList.size() != presets || reread.saveDirectoryURL != saveFolder)
         std::abort();
     return 0;
 }

@@ -4,6 +4,7 @@
 #include "MCTimeValidator.h"
 
 #include <QByteArray>
+#include <QRegularExpression>
 #include <QString>
 
 #include <cstddef>
@@ -14,15 +15,8 @@ namespace {
 
 bool isMask(const QString &text)
 {
-    if (text.size() != MCTimeValidator::maskLength)
-        return false;
-    for (int i = 0; i < text.size(); ++i) {
-        const bool separatorPlace = i == 2 || i == 5;
-        const QChar c = text.at(i);
-        if (separatorPlace ? c != QLatin1Char(':') : !(c >= QLatin1Char('0') && c <= QLatin1Char('9')))
-            return false;
-    }
-    return true;
+    static const QRegularExpression mask(QRegularExpression::anchoredPattern(QStringLiteral("[0-9][0-9]:[0-9][0-9]:[0-9][0-9]")));
+    return mask.match(text).hasMatch();
 }
 
 } // namespace

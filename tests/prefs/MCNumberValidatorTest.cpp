@@ -5,39 +5,24 @@
 
 namespace {
 
-TEST(MCNumberValidatorTest, IntegerFieldRefusesAnythingButDigits)
+// Each change is checked against the text of the latest accepted edit.
+template <typename Validator>
+void expectEdits(const char *start, std::initializer_list<std::pair<const char *, const char *>> edits)
 {
-    MCIntegerValidator validator;
-    EXPECT_TRUE(validator.beginEditing(QStringLiteral("1")));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("12")), QStringLiteral("12"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("12a")), QStringLiteral("12"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("12.")), QStringLiteral("12"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("1 2")), QStringLiteral("12"));
-    // A pasted run of digits in another script is not a number to the tools.
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("12\u0663")), QStringLiteral("12"));
-    EXPECT_EQ(validator.textDidChange(QString()), QString());
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("x")), QString());
+    Validator validator;
+    validator.beginEditing(QString::fromUtf8(start));
+    for (const auto &[typed, kept] : edits)
+        EXPECT_EQ(validator.textDidChange(QString::fromUtf8(typed)), QString::fromUtf8(kept)) << typed;
 }
 
-TEST(MCNumberValidatorTest, FloatFieldAllowsOnePoint)
+TEST(MCNumberValidatorTest, FieldsKeepOnlyWhatTheToolsReadAsANumber)
 {
-    MCFloatValidator validator;
-    validator.beginEditing(QStringLiteral("1"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("1.")), QStringLiteral("1."));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("1.2")), QStringLiteral("1.2"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("1.2.")), QStringLiteral("1.2"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("1,2")), QStringLiteral("1.2"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral(".5")), QStringLiteral(".5"));
-    EXPECT_EQ(validator.textDidChange(QString()), QString());
-}
-
-TEST(MCNumberValidatorTest, ARefusedChangeRestoresTheTextOfTheLatestEdit)
-{
-    MCFloatValidator validator;
-    validator.beginEditing(QStringLiteral("29.97"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("29.97x")), QStringLiteral("29.97"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("25")), QStringLiteral("25"));
-    EXPECT_EQ(validator.textDidChange(QStringLiteral("25..")), QStringLiteral("25"));
+    // Digits of another script are no number to the tools.
+    expectEdits<MCIntegerValidator>("1", {{"12", "12"}, {"12a", "12"}, {"12.", "12"}, {"1 2", "12"}, {"12\u0663", "12"},
+                                          {"", ""}, {"x", ""}});
+    // One point; a comma is taken for it.
+    expectEdits<MCFloatValidator>("1", {{"1.", "1."}, {"1.2", "1.2"}, {"1.2.", "1.2"}, {"1,2", "1.2"}, {".5", ".5"}, {"", ""}});
+    expectEdits<MCFloatValidator>("29.97", {{"29.97x", "29.97"}, {"25", "25"}, {"25..", "25"}});
 }
 
 } // namespace

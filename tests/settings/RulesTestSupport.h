@@ -90,4 +90,20 @@ struct Rules
     MCPresetsController presets;
 };
 
+// A file loaded onto a tab, every track selected, 800 kbit/s typed.
+struct OnTab : Rules
+{
+    OnTab(const QString &tab, const QList<TrackShape> &tracks, const char *extension)
+    {
+        load(makeFile(tracks, QString::fromLatin1(extension)));
+        rules.setCurrentTab(tab);
+        rules.setEnteredUserVideoBitRate(QStringLiteral("800"));
+        rules.updateTabs();
+    }
+
+    MCTrackList &tracks() { return rules.currentVideoFile()->trackList; }
+    MCVideoTrackPtr track(int i) { return tracks().at(i); }
+    QString why() { return rules.convertRefusalText(); }
+};
+
 } // namespace rulestest

@@ -67,9 +67,7 @@ QString testDataPath(const QString &relative)
 QString readTestData(const QString &relative)
 {
     QFile file(testDataPath(relative));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(file.readAll());
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 QString mediaInfo(const QString &path, const QString &kind, const QString &parameter)
@@ -93,11 +91,8 @@ QString resourcesWithout(const QString &into, const QString &left)
 QByteArray checksum(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
     QCryptographicHash hash(QCryptographicHash::Sha1);
-    hash.addData(&file);
-    return hash.result();
+    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? hash.result() : QByteArray();
 }
 
 } // namespace testsupport
