@@ -145,7 +145,7 @@ TEST_F(AppDelegateTest, BatchesNeedPresetsAndQueueOneFileAfterAnother)
     alerts->alerts.clear();
     app.startJob();
     EXPECT_EQ(queued.size(), 1);
-    EXPECT_TRUE(testsupport::waitUntil([&] { return !app->takingInBatch(); }, 5000));
+    EXPECT_TRUE(testsupport::waitUntil([&] { return queued.size() == 2 && !app.takingInBatch(); }, 5000));
     EXPECT_EQ(queued.size(), 2);
     EXPECT_EQ(queued.last()->videoTrackFilePath, second);
     EXPECT_EQ(skipped, QList<QUrl>{url(notes)});

@@ -120,6 +120,11 @@ inline QStringList described(const QString &path, const QString &inform)
     return out.split(u'\n', Qt::SkipEmptyParts);
 }
 
+inline double playingMs(const QString &path)
+{
+    return testsupport::mediaInfo(path, u"General"_s, u"Duration"_s).toDouble();
+}
+
 // Everything in a folder, hidden entries and folders included: a job's
 // private working folder among them while it runs.
 inline QStringList entriesIn(const QString &dir)
