@@ -13,16 +13,13 @@ MCInterruptedJobs::MCInterruptedJobs(MCJobJournal &journal, std::function<void(c
 
 QList<MCJobJournal::Entry> MCInterruptedJobs::find()
 {
-    QList<MCJobJournal::Entry> jobs = m_journal.interruptedJobs();
-    for (MCJobJournal::Entry &job : jobs) {
-        if (job.stagingFolder.isEmpty())
-            continue;
-        m_journal.clearUp(job);
-        job.stagingFolder.clear();
-        // Back on record, now without a folder to clear.
-        job.id = m_journal.record(job.jobType, job.jobFileName, *job.selection);
+    QList<MCJobJournal::Entry> claimed;
+    for (MCJobJournal::Entry job : m_journal.interruptedJobs()) {
+        // Two Kestranes started together must not both offer the same job.
+        if (m_journal.claim(job))
+            claimed << job;
     }
-    return jobs;
+    return claimed;
 }
 
 void MCInterruptedJobs::runAgain(const QList<MCJobJournal::Entry> &jobs)

@@ -14,6 +14,7 @@
 #include <QSaveFile>
 
 #include <atomic>
+#include <cstdio>
 
 namespace {
 
@@ -37,6 +38,20 @@ bool isRunning(qint64 pid, qint64 startTime)
     return pid > 0 && startTime >= 0 && startTimeOf(pid) == startTime;
 }
 
+// An entry's name "PID-START-N" names the Kestrane that holds it; a claimed
+// entry holds its new owner's name before its content is rewritten.
+bool nameOwnerRuns(const QString &id)
+{
+    const QStringList parts = id.split(QLatin1Char('-'));
+    return parts.size() == 3 && isRunning(parts.at(0).toLongLong(), parts.at(1).toLongLong());
+}
+
+QString newId()
+{
+    const qint64 pid = QCoreApplication::applicationPid();
+    return QStringLiteral("%1-%2-%3").arg(pid).arg(startTimeOf(pid)).arg(nextEntry.fetch_add(1));
+}
+
 } // namespace
 
 MCJobJournal::MCJobJournal(QString folder)
@@ -51,8 +66,7 @@ QString MCJobJournal::defaultFolder()
 
 QString MCJobJournal::record(const QString &jobType, const QString &jobFileName, const MCSelection &selection)
 {
-    const qint64 pid = QCoreApplication::applicationPid();
-    const QString id = QStringLiteral("%1-%2-%3").arg(pid).arg(startTimeOf(pid)).arg(nextEntry.fetch_add(1));
+    const QString id = newId();
     Entry entry{id, jobType, jobFileName, QString(), std::make_shared<MCSelection>(selection)};
     return write(id, entry) ? id : QString();
 }
@@ -109,7 +123,8 @@ QList<MCJobJournal::Entry> MCJobJournal::interruptedJobs() const
         if (!file.open(QIODevice::ReadOnly))
             continue;
         const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
-        if (isRunning(object.value(QStringLiteral("pid")).toInteger(), object.value(QStringLiteral("processStart")).toInteger(-1)))
+        if (nameOwnerRuns(info.completeBaseName())
+            || isRunning(object.value(QStringLiteral("pid")).toInteger(), object.value(QStringLiteral("processStart")).toInteger(-1)))
             continue; // another Kestrane's queue, still at work
         const QJsonObject selection = object.value(QStringLiteral("selection")).toObject();
         if (selection.isEmpty()) {
@@ -124,7 +139,29 @@ QList<MCJobJournal::Entry> MCJobJournal::interruptedJobs() const
     return entries;
 }
 
+bool MCJobJournal::claim(Entry &entry)
+{
+    const QString id = newId();
+    // rename(2) moves the entry for one process only: a second Kestrane
+    // that found the same interrupted job finds it gone and leaves it.
+    const QByteArray from = QFile::encodeName(QDir(m_folder).filePath(entry.id + QStringLiteral(".json")));
+    const QByteArray to = QFile::encodeName(QDir(m_folder).filePath(id + QStringLiteral(".json")));
+    if (std::rename(from.constData(), to.constData()) != 0)
+        return false;
+    entry.id = id;
+    removeStagingFolder(entry);
+    entry.stagingFolder.clear();
+    write(id, entry);
+    return true;
+}
+
 void MCJobJournal::clearUp(const Entry &entry)
+{
+    removeStagingFolder(entry);
+    forget(entry.id);
+}
+
+void MCJobJournal::removeStagingFolder(const Entry &entry)
 {
     // Only ever a job's own private folder: never a path an entry merely names.
     const QFileInfo staging(entry.stagingFolder);
@@ -133,5 +170,4 @@ void MCJobJournal::clearUp(const Entry &entry)
         QDir(staging.absoluteFilePath()).removeRecursively();
         MCLog::line(QStringLiteral("Removed what the interrupted job of %1 had begun: %2").arg(entry.jobFileName, entry.stagingFolder));
     }
-    forget(entry.id);
 }

@@ -33,6 +33,10 @@ public:
 
     // Jobs of Kestranes that are no longer running, oldest first.
     QList<Entry> interruptedJobs() const;
+    // Takes an interrupted job over for this Kestrane: what it had begun to
+    // write is removed and the entry is held under a new id. False when
+    // another Kestrane took it first.
+    bool claim(Entry &entry);
     // Removes what an interrupted job had begun to write, and its entry.
     void clearUp(const Entry &entry);
 
@@ -41,5 +45,6 @@ public:
 
 private:
     bool write(const QString &id, const Entry &entry);
+    static void removeStagingFolder(const Entry &entry);
     QString m_folder;
 };

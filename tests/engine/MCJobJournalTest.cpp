@@ -15,16 +15,21 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// Rewrites a journal entry as if another process, long gone, had written it.
-void orphan(const QString &entryFile)
+// Rewrites a journal entry as if another process, long gone, had written it;
+// answers its new id.
+QString orphan(const QString &folder, const QString &id)
 {
-    QFile file(entryFile);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QFile file(QDir(folder).filePath(id + u".json"_s));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
     file.close();
     object.insert(u"pid"_s, 0x3ffffff); // above any process number in use
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write(QJsonDocument(object).toJson());
+    file.close();
+    const QString gone = u"%1-1-%2"_s.arg(0x3ffffff).arg(id.section(u'-', 2));
+    EXPECT_TRUE(file.rename(QDir(folder).filePath(gone + u".json"_s)));
+    return gone;
 }
 
 MCSelectionPtr conversionOf(const QString &path)
@@ -56,14 +61,14 @@ TEST(MCJobJournalTest, AnInterruptedJobComesBackWholeAndItsHalfWrittenFolderGoes
     // Not a private folder of a job: named in an entry, it is left alone.
     QDir(save.path()).mkpath(u"holiday"_s);
 
-    const QString id = journal.record(u"AVI Conversion"_s, u"clip.mkv"_s, *conversionOf(u"/films/clip.mkv"_s));
+    QString id = journal.record(u"AVI Conversion"_s, u"clip.mkv"_s, *conversionOf(u"/films/clip.mkv"_s));
     journal.noteStarted(id, staging.path());
-    const QString foreign = journal.record(u"AVI Joining"_s, u"a.avi"_s, *conversionOf(u"/films/a.avi"_s));
+    QString foreign = journal.record(u"AVI Joining"_s, u"a.avi"_s, *conversionOf(u"/films/a.avi"_s));
     journal.noteStarted(foreign, save.filePath(u"holiday"_s));
     // Only jobs of a Kestrane that is gone are interrupted: this one still runs its queue.
     EXPECT_TRUE(journal.interruptedJobs().isEmpty());
-    for (const QString &entry : {id, foreign})
-        orphan(QDir(journal.folder()).filePath(entry + u".json"_s));
+    id = orphan(journal.folder(), id);
+    foreign = orphan(journal.folder(), foreign);
 
     const QList<MCJobJournal::Entry> interrupted = journal.interruptedJobs();
     ASSERT_EQ(interrupted.size(), 2);
@@ -76,9 +81,15 @@ TEST(MCJobJournalTest, AnInterruptedJobComesBackWholeAndItsHalfWrittenFolderGoes
     EXPECT_EQ(job.selection->editFilesURLsList, QList<QUrl>{QUrl::fromLocalFile(u"/films/a b.avi"_s)});
     EXPECT_EQ(MCSelectionJson::toJson(*job.selection), MCSelectionJson::toJson(*conversionOf(u"/films/clip.mkv"_s)));
 
-    for (const MCJobJournal::Entry &entry : interrupted)
-        journal.clearUp(entry);
+    // Two Kestranes started together: only the first takes the job over.
+    MCJobJournal::Entry first = job;
+    MCJobJournal::Entry second = job;
+    EXPECT_TRUE(journal.claim(first));
+    EXPECT_FALSE(MCJobJournal(journal.folder()).claim(second));
     EXPECT_FALSE(QFileInfo::exists(staging.path()));
+    EXPECT_EQ(journal.interruptedJobs().size(), 1) << "a claimed job belongs to a running Kestrane";
+    journal.forget(first.id);
+    journal.clearUp(journal.interruptedJobs().value(0));
     EXPECT_TRUE(QFileInfo(save.filePath(u"holiday"_s)).isDir());
     EXPECT_TRUE(journal.interruptedJobs().isEmpty());
     journal.forget(journal.record(u"AVI Conversion"_s, u"clip.mkv"_s, *conversionOf(u"/films/clip.mkv"_s)));
