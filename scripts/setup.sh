@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git clang libclang-rt-14-dev
   qt6-base-dev qt6-base-dev-tools libqt6widgets6 libqt6test6 qt6-qpa-plugins
   libgtest-dev libgmock-dev
-  libavformat-dev libavcodec-dev libavutil-dev libswresample-dev libicu-dev
+  libavformat-dev libavcodec-dev libavutil-dev libswresample-dev libicu-dev libmediainfo-dev
   mediainfo mkvtoolnix mplayer mencoder ffmpeg
   fonts-dejavu-core fontconfig
   xvfb xauth x11-apps imagemagick procps coreutils

@@ -110,6 +110,7 @@ void MCAppDelegate::applicationDidFinishLaunching()
     selectionController->setCurrentVideoFile(currentVideoFile);
     selectionController->initialize();
     queueController = new MCQueueController(this, appPreferences);
+    queueController->intakeReports = currentVideoFile->reportCache();
     queueController->setJournal(&m_journal);
     // Jobs run again go where a started selection goes, whoever replaced it.
     m_interrupted = new MCInterruptedJobs(m_journal, [this](const MCSelectionPtr &selection) {

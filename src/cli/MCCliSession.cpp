@@ -37,7 +37,7 @@ const QString kHeaderRemovalQuestion = QStringLiteral("This video appears to hav
 // Long enough for a batch's later files, which the controller takes in
 // 0.4 s after the start.
 constexpr int kSettleMs = 600;
-constexpr int kPollMs = 100;
+constexpr int kPollMs = 20;
 
 void printError(const QString &text)
 {

@@ -85,6 +85,8 @@ public:
     QStringList resultPaths() const;
     bool hasFailed() const { return !failureReason().isEmpty(); }
 
+    // The intake's reports, where the check of a result finds its sources.
+    void useIntakeReports(std::shared_ptr<const MCReportCache> reports) { m_sourceSummaries.useReports(std::move(reports)); }
     // Builds and starts the steps and the first monitor loop. The base does nothing.
     virtual void startJob();
     // Why the job cannot start ("" when it can): its save folder has less

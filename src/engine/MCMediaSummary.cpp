@@ -1,12 +1,17 @@
 #include "MCMediaSummary.h"
 
 #include "MCHelpers.h"
+#include "MCMediaInfoReport.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+
+#ifdef KESTRANE_HAS_LIBMEDIAINFO
+#include <MediaInfoDLL/MediaInfoDLL_Static.h>
+#endif
 
 namespace {
 
@@ -31,6 +36,26 @@ MCMediaSummary MCMediaSummary::of(const QString &path)
     return fromJson(process.readAllStandardOutput());
 }
 
+MCMediaSummary MCMediaSummary::ofOwnResult(const QString &path)
+{
+#ifdef KESTRANE_HAS_LIBMEDIAINFO
+    const QFileInfo file(path);
+    if (!file.isFile() || file.size() == 0)
+        return {};
+    void *handle = MediaInfoA_New();
+    MediaInfoA_Option(handle, "Output", "JSON");
+    QByteArray json;
+    if (MediaInfoA_Open(handle, QFile::encodeName(file.absoluteFilePath()).constData()) != 0)
+        json = MediaInfoA_Inform(handle, 0);
+    MediaInfoA_Close(handle);
+    MediaInfoA_Delete(handle);
+    // A name the library cannot take (not in the locale's encoding) goes to the tool.
+    if (!json.isEmpty())
+        return fromJson(json);
+#endif
+    return of(path);
+}
+
 MCMediaSummary MCMediaSummary::fromJson(const QByteArray &json)
 {
     MCMediaSummary summary;
@@ -53,6 +78,54 @@ MCMediaSummary MCMediaSummary::fromJson(const QByteArray &json)
             summary.audioChannels << track.value(QStringLiteral("Channels")).toString();
         } else if (type == QStringLiteral("Text")) {
             ++summary.textCount;
+        }
+    }
+    return summary;
+}
+
+MCMediaSummary MCMediaSummary::fromReport(const QStringList &lines)
+{
+    MCMediaSummary summary;
+    QString section;
+    bool durationRead = false;
+    // Each key comes several times, in several forms: the first is the plain value.
+    QStringList *formats = nullptr;
+    bool formatRead = false;
+    bool channelsRead = false;
+    for (const QString &line : lines) {
+        if (MCMediaInfoReport::isSectionTitle(line)) {
+            section = line.trimmed().section(QLatin1Char(' '), 0, 0);
+            formats = section == QStringLiteral("Video") ? &summary.videoFormats
+                      : section == QStringLiteral("Audio") ? &summary.audioFormats
+                                                          : nullptr;
+            if (formats)
+                formats->append(QString());
+            if (section == QStringLiteral("Audio"))
+                summary.audioChannels.append(QString());
+            else if (section == QStringLiteral("Text"))
+                ++summary.textCount;
+            formatRead = channelsRead = false;
+            continue;
+        }
+        const MCMediaInfoReport::KeyValue pair = MCMediaInfoReport::keyValue(line);
+        if (!pair.valid)
+            continue;
+        const QString key = pair.key.trimmed().toString();
+        const QString value = pair.value.trimmed().toString();
+        if (key == QStringLiteral("Format") && !formatRead) {
+            formatRead = true;
+            if (section == QStringLiteral("General"))
+                summary.readable = !value.isEmpty();
+            else if (formats)
+                formats->last() = value;
+        } else if (section == QStringLiteral("General") && key == QStringLiteral("Duration") && !durationRead) {
+            durationRead = true;
+            summary.durationSeconds = value.toDouble() / 1000.0; // milliseconds
+        } else if (section == QStringLiteral("General") && key == QStringLiteral("IsTruncated")) {
+            summary.truncated = value.startsWith(QStringLiteral("Yes"));
+        } else if (section == QStringLiteral("Audio") && key == QStringLiteral("Channel(s)") && !channelsRead) {
+            channelsRead = true;
+            summary.audioChannels.last() = value;
         }
     }
     return summary;

@@ -22,6 +22,12 @@ struct MCMediaSummary
     // Runs mediainfo (from the resource folder) on the file. Blocks; safe
     // on any thread.
     static MCMediaSummary of(const QString &path);
+    // The same report for a file Kestrane's own tools wrote, read by
+    // MediaInfo's library in this process where the build has it (a user's
+    // files always go to the tool, in a process of its own).
+    static MCMediaSummary ofOwnResult(const QString &path);
     // Reads mediainfo's JSON report.
     static MCMediaSummary fromJson(const QByteArray &json);
+    // Reads the full text report ("mediainfo -f") the intake keeps.
+    static MCMediaSummary fromReport(const QStringList &lines);
 };

@@ -108,6 +108,7 @@ void MCQueueController::addToQueue(const MCSelectionPtr &selection)
         job->jobSelection = jobSelection;
         job->appPreferences = appPreferences;
         job->existingResults = existingResults;
+        job->useIntakeReports(intakeReports);
         if (m_journal)
             job->journalId = m_journal->record(job->jobType, fileName, *jobSelection);
         // Recorded under the type the user chose, so a run again queues the same job.

@@ -67,6 +67,8 @@ public:
     void setWatchModeController(MCWatchModeLink *watchModeController);
     // What every job made from now on does with a result whose name is taken.
     MCJob::ExistingResults existingResults = MCJob::ExistingResults::KeepBoth;
+    // The intake's reports, handed to every job for the check of its result.
+    std::shared_ptr<const MCReportCache> intakeReports;
     // Keeps every queued job on disk until it ends, so a Kestrane that was
     // killed can offer its jobs again. Not owned; none by default.
     void setJournal(MCJobJournal *journal) { m_journal = journal; }

@@ -87,7 +87,7 @@ QString check(const QString &path, const MCResultExpectation &expected, const Su
         return QStringLiteral("it is empty");
     if (!expected.media)
         return {};
-    const MCMediaSummary summary = MCMediaSummary::of(path);
+    const MCMediaSummary summary = MCMediaSummary::ofOwnResult(path);
     if (!summary.readable)
         return QStringLiteral("it cannot be read as media");
     // A tool that could not write on (a full disk) may still end happily.

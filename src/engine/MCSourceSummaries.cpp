@@ -2,9 +2,13 @@
 
 #include <QFileInfo>
 
-MCSourceSummaries::Entry MCSourceSummaries::read(const QString &path)
+MCSourceSummaries::Entry MCSourceSummaries::read(const QString &path) const
 {
     const QFileInfo file(path);
+    if (m_reports) {
+        if (const std::optional<QStringList> report = m_reports->report(file.absoluteFilePath()))
+            return {file.size(), file.lastModified(), MCMediaSummary::fromReport(*report)};
+    }
     return {file.size(), file.lastModified(), MCMediaSummary::of(path)};
 }
 

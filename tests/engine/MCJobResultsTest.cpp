@@ -4,6 +4,7 @@
 #include "MCResultCheck.h"
 #include "MCNotificationCenter.h"
 #include "MCToolLog.h"
+#include "MCVideoFile.h"
 #include "TestSupport.h"
 
 #include <QDir>
@@ -162,6 +163,24 @@ TEST(MCResultCheckTest, AcceptsTheRealThingAndNamesWhatIsWrongWithTheRest)
     cut.rangeStart = 1.0;
     cut.rangeEnd = 9.0;
     EXPECT_EQ(MCResultCheck::check(clip(u"three.avi"_s, 3), cut), QString());
+}
+
+// A job reads its sources from the intake's text report, its results from
+// mediainfo's JSON: the two must agree, or good results would fail.
+TEST(MCMediaSummaryTest, TheIntakeReportSaysWhatTheJsonReportSays)
+{
+    QTemporaryDir folder;
+    const QString film = testsupport::ffmpeg(folder.path(), u"film.mkv"_s,
+                                             u"-f lavfi -i testsrc2=s=160x120:r=25:d=3 -f lavfi -i sine=d=3 -f lavfi -i sine=d=3 "
+                                             "-map 0 -map 1 -map 2 -c:v mpeg4 -c:a:0 ac3 -ac:a:0 6 -c:a:1 mp2 -ac:a:1 2"_s);
+    const MCMediaSummary json = MCMediaSummary::of(film);
+    const MCMediaSummary text = MCMediaSummary::fromReport(MCVideoFile().mediaInfoReportFor(QUrl::fromLocalFile(film)));
+    EXPECT_TRUE(text.readable);
+    EXPECT_NEAR(text.durationSeconds, json.durationSeconds, 0.01);
+    EXPECT_EQ(text.videoFormats, json.videoFormats);
+    EXPECT_EQ(text.audioFormats, (QStringList{u"AC-3"_s, u"MPEG Audio"_s}));
+    EXPECT_EQ(text.audioChannels, json.audioChannels);
+    EXPECT_EQ(MCMediaSummary::ofOwnResult(film).audioChannels, (QStringList{u"6"_s, u"2"_s}));
 }
 
 TEST_F(JobResultsTest, TheQueueHandsItsPreferencesToJobsAndJobsToTheirSteps)
