@@ -6,6 +6,8 @@
 
 #include <csignal>
 
+#include <unistd.h>
+
 namespace {
 
 using testsupport::mediaInfo;
@@ -102,6 +104,45 @@ TEST_F(CliJobs, BadInputIsNamedAndNothingIsQueuedForIt)
     EXPECT_TRUE(result.err.contains(u"The save folder for this job does not exist.: Create the folder or change the save location: "_s))
         << result.err.toStdString();
     EXPECT_TRUE(written().isEmpty());
+}
+
+// A folder that refuses writing is a permission problem. Root is refused
+// nothing, so as root the run drops to the unprivileged "nobody".
+TEST_F(CliJobs, AFolderThatRefusesWritingIsCalledAPermissionProblem)
+{
+    QTemporaryDir place;
+    const QString film = place.filePath(u"film.avi"_s);
+    const QString locked = place.filePath(u"locked"_s);
+    const QString state = place.filePath(u"state"_s);
+    ASSERT_TRUE(QFile::copy(xvidAvi(u"locked-out.avi"_s), film));
+    ASSERT_TRUE(QFile::copy(settings, place.filePath(u"settings.ini"_s)));
+    ASSERT_TRUE(QDir().mkpath(locked) && QDir().mkpath(state));
+    using P = QFileDevice;
+    const auto open = P::ReadOwner | P::ReadGroup | P::ReadOther | P::ExeOwner | P::ExeGroup | P::ExeOther;
+    for (const QString &path : {place.path(), locked})
+        QFile::setPermissions(path, open);
+    QFile::setPermissions(state, open | P::WriteOwner | P::WriteGroup | P::WriteOther);
+    for (const QString &path : {film, place.filePath(u"settings.ini"_s)})
+        QFile::setPermissions(path, P::ReadOwner | P::WriteOwner | P::ReadGroup | P::ReadOther);
+
+    QStringList command{cliPath(), u"--settings"_s, place.filePath(u"settings.ini"_s), u"convert"_s, u"--save-dir"_s, locked, film};
+    if (geteuid() == 0)
+        command = QStringList{u"--reuid=65534"_s, u"--regid=65534"_s, u"--clear-groups"_s, u"--"_s} + command;
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"XDG_STATE_HOME"_s, state);
+    environment.insert(u"HOME"_s, state);
+    process.setProcessEnvironment(environment);
+    process.start(geteuid() == 0 ? u"setpriv"_s : command.takeFirst(), command);
+    ASSERT_TRUE(process.waitForFinished(60000));
+    const QString err = QString::fromUtf8(process.readAllStandardError());
+    if (err.startsWith(u"setpriv:"_s) || process.exitCode() == 127)
+        GTEST_SKIP() << "nobody cannot run this build's kestrane-cli here: " << err.toStdString();
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_TRUE(err.contains(u"Kestrane does not have permision to write to the save folder for this job.: Either move the file, "
+                             "change the save location, or edit the permissions for the output folder."_s))
+        << err.toStdString();
+    EXPECT_TRUE(QDir(locked).isEmpty());
 }
 
 TEST_F(CliJobs, ConvertsABatchWithAPresetPairAndNamesTheBadFile)
