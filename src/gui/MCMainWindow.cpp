@@ -111,6 +111,15 @@ MCMainWindow::MCMainWindow(MCPreferences *preferences, MCQueueController *queue,
     resize(1000, 700);
 }
 
+MCMainWindow::~MCMainWindow()
+{
+    // A field being typed in commits now, while the window is whole: left
+    // to the focus change as the window goes, its edit would reach the
+    // binding with the window half destroyed.
+    if (QWidget *focused = QApplication::focusWidget(); focused && isAncestorOf(focused))
+        focused->clearFocus();
+}
+
 QWidget *MCMainWindow::buildTopBar()
 {
     auto *bar = new QWidget(this);

@@ -32,6 +32,7 @@ class MCMainWindow : public QMainWindow
     Q_OBJECT
 public:
     MCMainWindow(MCPreferences *preferences, MCQueueController *queue, QWidget *parent = nullptr);
+    ~MCMainWindow() override;
 
     static const QStringList &tabNames(); // "AVI", "MKV", "MP4", "Edit Files", "Edit Tracks"
 
