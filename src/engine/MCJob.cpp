@@ -27,14 +27,8 @@ constexpr int kRefusalDelayMilliseconds = 100;
 constexpr int kStopGraceMilliseconds = 3000;
 
 const QString kComplete = QStringLiteral("Complete");
-const QString kPass1Complete = QStringLiteral("Pass 1 Complete");
 const QString kError = QStringLiteral("error");
-
-int leadingInteger(const QString &status)
-{
-    return status.section(QLatin1Char('%'), 0, 0).trimmed().toInt();
-}
-
+const QString kPass1Complete = QStringLiteral("Pass 1 Complete");
 QString folderOf(const QUrl &file)
 {
     const QString path = file.toLocalFile();
@@ -134,8 +128,7 @@ void MCJob::setProgressList(const QVariantList &rows)
 
 QVariantList MCJob::oldProgressList() const
 {
-    QMutexLocker lock(&m_mutex);
-    return m_oldProgressList;
+    return m_rows.previousRows();
 }
 
 QString MCJob::failureReason() const
@@ -158,7 +151,7 @@ QStringList MCJob::resultPaths() const
 
 QVariantMap MCJob::progressRow(const QString &step, const QString &progress)
 {
-    return {{QStringLiteral("Step"), step}, {QStringLiteral("Progress"), progress}};
+    return MCProgressRows::row(step, progress);
 }
 
 void MCJob::startJob()
@@ -231,21 +224,17 @@ void MCJob::startStep(const MCConverterPtr &step, bool addStartRow, const MCSele
 
 void MCJob::resetMonitorCounters()
 {
-    QMutexLocker lock(&m_mutex);
-    m_stepCounter = 1;
-    m_lastValue = 0;
+    m_rows.resetCounters();
 }
 
 int MCJob::monitorStepCounter() const
 {
-    QMutexLocker lock(&m_mutex);
-    return m_stepCounter;
+    return m_rows.stepCounter();
 }
 
 int MCJob::monitorLastValue() const
 {
-    QMutexLocker lock(&m_mutex);
-    return m_lastValue;
+    return m_rows.lastValue();
 }
 
 void MCJob::addMonitorLoop(const MCMonitorPolicy &policy, std::function<void()> nextPhase)
@@ -290,7 +279,7 @@ void MCJob::addMonitorLoop(const MCMonitorPolicy &policy, std::function<void()> 
 void MCJob::beginTick()
 {
     QMutexLocker lock(&m_mutex);
-    m_oldProgressList = m_progressList;
+    m_rows.beginTick(m_progressList);
     m_progressList = QVariantList();
 }
 
@@ -318,41 +307,11 @@ bool MCJob::monitorTick(const MCMonitorPolicy &policy)
             if (!policy.keepFinishedRows)
                 continue;
         }
-        const QVariantMap row = rowForStatus(policy, step, status, progressList().size());
+        const QVariantMap row = m_rows.rowFor(policy, step->stepName, status, progressList().size());
         if (!row.isEmpty())
             appendRow(row);
     }
     return finished >= steps.size();
-}
-
-QVariantMap MCJob::rowForStatus(const MCMonitorPolicy &policy, const MCConverterPtr &step, QString status,
-                                qsizetype position)
-{
-    QMutexLocker lock(&m_mutex);
-    if (status == kError && !policy.errorShowsLastPercentage) {
-        // No news: the step's row of the tick before stands.
-        if (position < m_oldProgressList.size()) {
-            const QVariantMap previous = m_oldProgressList.at(position).toMap();
-            if (previous.value(QStringLiteral("Step")).toString() == step->stepName)
-                return previous;
-        }
-        return progressRow(step->stepName, QString());
-    }
-    if (status == kError)
-        status = QStringLiteral("%1%").arg(m_lastValue);
-    if (policy.errorShowsLastPercentage) {
-        // "Complete" reads as 0, so a counter also steps once as the tool ends.
-        const int value = leadingInteger(status);
-        if (policy.countedLabel && m_lastValue > value)
-            ++m_stepCounter;
-        m_lastValue = value;
-    }
-    if (status == kComplete && !policy.keepFinishedRows)
-        return {};
-    if (const auto heartbeat = policy.heartbeatRows.constFind(status); heartbeat != policy.heartbeatRows.cend())
-        return *heartbeat;
-    const QString label = policy.countedLabel ? policy.countedLabel(step->stepName, m_stepCounter) : step->stepName;
-    return progressRow(label, status);
 }
 
 QString MCJob::firstStepFailure(MCConverterPtr *failedStep) const

@@ -4,6 +4,7 @@
 #include "MCHelpers.h"
 #include "MCJobStaging.h"
 #include "MCMonitorPolicy.h"
+#include "MCProgressRows.h"
 #include "MCSelection.h"
 #include "MCSourceSummaries.h"
 
@@ -164,8 +165,6 @@ protected:
 
 private:
     bool monitorTick(const MCMonitorPolicy &policy);
-    QVariantMap rowForStatus(const MCMonitorPolicy &policy, const MCConverterPtr &step, QString status,
-                             qsizetype position);
     QString firstStepFailure(MCConverterPtr *failedStep) const;
     void finishJob(const QString &reason, const MCConverterPtr &failedStep);
     QStringList stagedResults() const;
@@ -192,12 +191,10 @@ private:
     QList<MCConverterPtr> m_stepConverterList;
     QStringList m_stepPIDList;
     QVariantList m_progressList;
-    QVariantList m_oldProgressList;
     QString m_failureReason;
     QString m_failedLogPath;
     QStringList m_resultPaths;
-    int m_stepCounter = 1;
-    int m_lastValue = 0;
+    MCProgressRows m_rows;
 
     std::atomic<bool> m_jobIsCancelled{false};
     QMutex m_sleepMutex;
