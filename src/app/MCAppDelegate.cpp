@@ -5,6 +5,7 @@
 #include "MCFileInfoReport.h"
 #include "MCIntakeProbe.h"
 #include "MCInterruptedJobs.h"
+#include "MCSaveFolderCheck.h"
 #include "MCJob.h"
 #include "MCJobTypes.h"
 #include "MCLog.h"
@@ -31,7 +32,6 @@ const QString kWatch = QStringLiteral("watch");
 const QString kNewFileAdded = QStringLiteral("new file added");
 
 constexpr double kIntakeAlertSeconds = 5.0;
-constexpr double kSaveFolderAlertSeconds = 10.0;
 constexpr int kBatchDelayMs = 400;
 
 bool isAvi(const QUrl &url)
@@ -382,22 +382,10 @@ QString MCAppDelegate::saveFolderForCurrentJob() const
 
 bool MCAppDelegate::checkSaveFolderIsWritable()
 {
-    const QFileInfo folder(saveFolderForCurrentJob());
-    if (folder.isDir() && folder.isWritable())
-        return true;
-    MCAlert alert;
-    if (!folder.exists()) {
-        // A folder that is gone (an unplugged disk, a typo) is not a
-        // permission problem; saying so would send the user the wrong way.
-        alert.message = QStringLiteral("The save folder for this job does not exist.");
-        alert.informativeText = QStringLiteral("Create the folder or change the save location: %1").arg(folder.filePath());
-    } else {
-        alert.message = QStringLiteral("Kestrane does not have permision to write to the save folder for this job.");
-        alert.informativeText = QStringLiteral("Either move the file, change the save location, or edit the permissions for the output folder.");
-    }
-    alert.timeoutSeconds = kSaveFolderAlertSeconds;
-    MCAlertCenter::instance().present(alert);
-    return false;
+    const std::optional<MCAlert> refusal = MCSaveFolderCheck::refusal(saveFolderForCurrentJob());
+    if (refusal)
+        MCAlertCenter::instance().present(*refusal);
+    return !refusal;
 }
 
 void MCAppDelegate::queueCurrentSelection()
